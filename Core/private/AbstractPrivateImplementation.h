@@ -1,0 +1,65 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+
+namespace qel {
+
+class BaseAlgorithm;
+
+namespace algorithms {
+
+/// The running side of an algorithm: one exists exactly while a runner works.
+///
+/// Construction publishes it as its owner's running implementation; destruction leaves the final progress with the
+/// owner and takes it back. Progress and cancellation come from any thread, so what they read is atomic, and the links
+/// to a child are guarded: they are followed with the owner's mutex held, parent before child.
+class AbstractPrivateImplementation
+{
+public:
+    explicit AbstractPrivateImplementation(BaseAlgorithm* owner);
+    AbstractPrivateImplementation(AbstractPrivateImplementation const&) = delete;
+    AbstractPrivateImplementation& operator=(AbstractPrivateImplementation const&) = delete;
+    virtual ~AbstractPrivateImplementation();
+
+    virtual void cancelExecution();
+
+    /// For an implementation that is published after its run was cancelled: it starts nothing.
+    void markCancelled() { cancelled = true; }
+    bool isCancelled() const { return cancelled; }
+    BaseAlgorithm* getOwner() const { return owner; }
+
+    /// In percent: of the work, or of the steps of a composite with the part of the step under way.
+    double getProgress() const;
+
+    void setTotalWork(unsigned long work)
+    {
+        doneWork = 0;
+        totalWork = work;
+    }
+    void addDoneWork(unsigned long work) { doneWork.fetch_add(work, std::memory_order_relaxed); }
+
+    void setNumOfSteps(unsigned long steps) { numOfSteps = steps; }
+    void nextStep() { currentStep.fetch_add(1); }
+
+    void setCurrentChild(BaseAlgorithm* child);
+    void setCurrentChild(AbstractPrivateImplementation* child);
+    void removeChild();
+
+protected:
+    std::atomic<bool> cancelled{false};
+    BaseAlgorithm* owner;
+
+private:
+    BaseAlgorithm* childAlgorithm = nullptr;
+    AbstractPrivateImplementation* childImplementation = nullptr;
+    AbstractPrivateImplementation* parentImplementation = nullptr;
+    std::atomic<unsigned long> doneWork{0};
+    std::atomic<unsigned long> totalWork{0};
+    std::atomic<unsigned long> currentStep{1};
+    std::atomic<unsigned long> numOfSteps{1};
+    mutable std::mutex links; // guards the three links
+};
+
+} // namespace algorithms
+} // namespace qel

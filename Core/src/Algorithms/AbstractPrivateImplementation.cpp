@@ -1,0 +1,89 @@
+#include "Core/private/AbstractPrivateImplementation.h"
+
+#include "Core/private/BaseAlgorithmPrivate.h"
+
+#include <qel/BaseAlgorithm.h>
+
+namespace qel::algorithms {
+
+AbstractPrivateImplementation::AbstractPrivateImplementation(BaseAlgorithm* owningAlgorithm)
+    : owner(owningAlgorithm)
+{
+    if (owner)
+        owner->getPrivate()->setImplementation(this);
+}
+
+AbstractPrivateImplementation::~AbstractPrivateImplementation()
+{
+    if (owner)
+        owner->getPrivate()->withdrawImplementation(getProgress());
+    removeChild();
+}
+
+void AbstractPrivateImplementation::cancelExecution()
+{
+    cancelled = true;
+    std::lock_guard const guard(links);
+    if (childAlgorithm)
+        childAlgorithm->cancelExecution();
+    else if (childImplementation)
+        childImplementation->cancelExecution();
+}
+
+double AbstractPrivateImplementation::getProgress() const
+{
+    auto const ownWork = [this] {
+        unsigned long const total = totalWork;
+        return total == 0 ? 0.0 : 100.0 * static_cast<double>(doneWork) / static_cast<double>(total);
+    };
+    unsigned long const steps = numOfSteps;
+    if (steps < 2)
+        return ownWork();
+
+    double const base = static_cast<double>(currentStep - 1) * 100.0;
+    std::lock_guard const guard(links);
+    double const part = childAlgorithm        ? childAlgorithm->getProgress()
+                        : childImplementation ? childImplementation->getProgress()
+                                              : ownWork();
+    return (base + part) / static_cast<double>(steps);
+}
+
+void AbstractPrivateImplementation::setCurrentChild(BaseAlgorithm* child)
+{
+    removeChild();
+    std::lock_guard const guard(links);
+    childAlgorithm = child;
+}
+
+void AbstractPrivateImplementation::setCurrentChild(AbstractPrivateImplementation* child)
+{
+    removeChild();
+    {
+        std::lock_guard const guard(links);
+        childImplementation = child;
+    }
+    std::lock_guard const guard(child->links);
+    child->parentImplementation = this;
+}
+
+void AbstractPrivateImplementation::removeChild()
+{
+    // One link at a time: whoever walks down holds a parent's guard while asking for its child's.
+    AbstractPrivateImplementation* parent = nullptr;
+    {
+        std::lock_guard const guard(links);
+        childAlgorithm = nullptr;
+        childImplementation = nullptr;
+        parent = parentImplementation;
+        parentImplementation = nullptr;
+    }
+    while (parent) {
+        AbstractPrivateImplementation* const current = parent;
+        std::lock_guard const guard(current->links);
+        current->childImplementation = nullptr;
+        parent = current->parentImplementation;
+        current->parentImplementation = nullptr;
+    }
+}
+
+} // namespace qel::algorithms
