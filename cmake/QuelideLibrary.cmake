@@ -1,12 +1,19 @@
-# libquelide.so from the objects of all modules.
+# libquelide.so from the objects of all modules, and what installs it.
+get_property(modules GLOBAL PROPERTY QUELIDE_OBJECT_TARGETS)
+get_property(includes GLOBAL PROPERTY QUELIDE_INCLUDE_DIRECTORIES)
+if(NOT modules)
+  message(FATAL_ERROR "No module has a unit.")
+endif()
+
 add_library(quelide SHARED)
 add_library(Quelide::quelide ALIAS quelide)
-get_property(modules GLOBAL PROPERTY QUELIDE_OBJECT_TARGETS)
 foreach(module IN LISTS modules)
   target_sources(quelide PRIVATE $<TARGET_OBJECTS:${module}>)
 endforeach()
 set_target_properties(quelide PROPERTIES
-  LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+  INSTALL_RPATH "" LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/quelide.map)
+target_link_options(quelide PRIVATE LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/quelide.map)
 target_link_libraries(quelide PRIVATE
   Threads::Threads Boost::filesystem Boost::iostreams PkgConfig::CPUID PUBLIC TBB::tbb)
 if(QUELIDE_SCALABLE_ALLOCATOR)
@@ -15,8 +22,24 @@ if(QUELIDE_SCALABLE_ALLOCATOR)
   target_link_options(quelide PRIVATE LINKER:--no-as-needed)
 endif()
 target_compile_features(quelide INTERFACE cxx_std_17)
-get_property(includes GLOBAL PROPERTY QUELIDE_INCLUDE_DIRECTORIES)
 foreach(directory IN LISTS includes)
   target_include_directories(quelide INTERFACE $<BUILD_INTERFACE:${directory}>)
 endforeach()
 target_include_directories(quelide INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+# Installation: relocatable, so that a package can be moved or staged.
+include(CMakePackageConfigHelpers)
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Quelide)
+install(TARGETS quelide EXPORT QuelideTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+foreach(directory IN LISTS includes)
+  install(DIRECTORY ${directory}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+endforeach()
+install(EXPORT QuelideTargets NAMESPACE Quelide:: DESTINATION ${package_folder})
+configure_package_config_file(cmake/QuelideConfig.cmake.in QuelideConfig.cmake INSTALL_DESTINATION ${package_folder})
+write_basic_package_version_file(QuelideConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/QuelideConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/QuelideConfigVersion.cmake
+  DESTINATION ${package_folder})
+
+file(RELATIVE_PATH pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+configure_file(cmake/quelide.pc.in quelide.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/quelide.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
