@@ -1,0 +1,7 @@
+#include <qel/ImageModel.h>
+
+namespace qel {
+
+ImageModel::~ImageModel() = default;
+
+} // namespace qel
