@@ -28,6 +28,11 @@ public:
     /// none.
     static AlgoInfo* fromName(char const* name);
 
+    /// How many classes are registered.
+    static unsigned long getNumOfAlgorithms();
+    /// The registered class of that index, in no particular order. The index is not checked.
+    static AlgoInfo* fromIndex(unsigned long index);
+
 private:
     friend class AlgoInfoPrivate;
     AlgoInfoPrivate* m_private;
