@@ -15,9 +15,11 @@ find_program(QUELIDE_CLANG_FORMAT NAMES clang-format-14 clang-format)
 if(QUELIDE_CLANG_FORMAT)
   qel_check(formatted ${QUELIDE_CLANG_FORMAT})
 endif()
+add_test(NAME check_docs COMMAND ${PROJECT_SOURCE_DIR}/dev docs)
+set_tests_properties(check_docs PROPERTIES LABELS unit TIMEOUT 300)
 
 get_property(includes GLOBAL PROPERTY QUELIDE_INCLUDE_DIRECTORIES)
-qel_check(public_headers ${includes} -- ${CMAKE_CXX_COMPILER_LAUNCHER} ${CMAKE_CXX_COMPILER})
+qel_check(public_headers ${includes} ${PROJECT_BINARY_DIR}/include -- ${CMAKE_CXX_COMPILER_LAUNCHER} ${CMAKE_CXX_COMPILER})
 
 # What a sanitizer adds is no export of ours, and its run-time library no part of a package.
 if(NOT QUELIDE_SANITIZE)

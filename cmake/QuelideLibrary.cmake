@@ -27,6 +27,20 @@ foreach(directory IN LISTS includes)
 endforeach()
 target_include_directories(quelide INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 
+# <qel/quelide.h>: all public headers. Made here, so that no module has to name its headers a second time.
+set(all_headers "#pragma once\n\n/// @file\n/// All public headers of the library.\n\n")
+foreach(directory IN LISTS includes)
+  file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${directory} ${directory}/*.h)
+  list(SORT headers)
+  foreach(header IN LISTS headers)
+    string(APPEND all_headers "#include <${header}>\n")
+  endforeach()
+endforeach()
+set(generated ${PROJECT_BINARY_DIR}/include)
+file(CONFIGURE OUTPUT ${generated}/qel/quelide.h CONTENT "${all_headers}" @ONLY)
+target_include_directories(quelide INTERFACE $<BUILD_INTERFACE:${generated}>)
+install(FILES ${generated}/qel/quelide.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qel)
+
 # Installation: relocatable, so that a package can be moved or staged.
 include(CMakePackageConfigHelpers)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Quelide)

@@ -1,4 +1,5 @@
-"""Each public header compiles alone, as C++17 and without a warning, and names no std:: or boost:: outside of function bodies.
+"""Each public header compiles alone, as C++17 and without a warning; names no std:: or boost:: outside of function bodies; and
+says of each exported class what it is.
 
 Arguments: the include folders, and after -- the compiler command.
 """
@@ -41,6 +42,12 @@ def check(folder, path):
     problems = [f"{header}:{number}: {' '.join(line.split())}"
                 for number, line in enumerate(without_bodies(path.read_text()).split("\n"), 1)
                 if re.search(r"\b(?:std|boost)::", line)]
+    lines = path.read_text().split("\n")
+    for number, line in enumerate(lines):
+        if re.match(r"(template <.*> )?(class|struct) QEL_API \w+(?!.*;)", line):
+            above = lines[number - 1] if not lines[number - 1].startswith("template") else lines[number - 2]
+            if not above.startswith(("///", " */")):
+                problems.append(f"{header}:{number + 1}: no comment says what it is: {line}")
     run = subprocess.run([*compiler, "-std=c++17", "-fsyntax-only", "-Wall", "-Wextra", "-Wpedantic", "-Werror", "-x", "c++",
                           *[f"-I{name}" for name in folders], "-"],
                          input=f"#include <{header}>\n#include <{header}>\n", capture_output=True, text=True)
