@@ -9,11 +9,11 @@ class BaseAlgorithm;
 
 namespace algorithms {
 
-/// The running side of an algorithm: one exists exactly while a runner works.
+/// The running side of an algorithm, which exists while a runner works.
 ///
-/// Construction publishes it as its owner's running implementation; destruction leaves the final progress with the
-/// owner and takes it back. Progress and cancellation come from any thread, so what they read is atomic, and the links
-/// to a child are guarded: they are followed with the owner's mutex held, parent before child.
+/// While it runs it is published as its owner's implementation: see Publication. Progress and cancellation come from
+/// any thread, so what they read is atomic, and the links to a child are guarded. They are followed with the owner's
+/// mutex held, parent before child.
 class AbstractPrivateImplementation
 {
 public:
@@ -41,6 +41,22 @@ public:
 
     void setNumOfSteps(unsigned long steps) { numOfSteps = steps; }
     void nextStep() { currentStep.fetch_add(1); }
+
+    /// Makes this the implementation that the owner's progress and cancellation reach, for as long as the object lives.
+    /// A complete object publishes itself, at the begin of its run: nobody calls into one that is half made or half
+    /// gone.
+    class Publication
+    {
+    public:
+        explicit Publication(AbstractPrivateImplementation& implementation);
+        Publication(Publication const&) = delete;
+        Publication& operator=(Publication const&) = delete;
+        /// Leaves the final progress with the owner.
+        ~Publication();
+
+    private:
+        AbstractPrivateImplementation& m_implementation;
+    };
 
     void setCurrentChild(BaseAlgorithm* child);
     void setCurrentChild(AbstractPrivateImplementation* child);

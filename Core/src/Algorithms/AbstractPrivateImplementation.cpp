@@ -8,16 +8,21 @@ namespace qel::algorithms {
 
 AbstractPrivateImplementation::AbstractPrivateImplementation(BaseAlgorithm* owningAlgorithm)
     : owner(owningAlgorithm)
+{}
+
+AbstractPrivateImplementation::~AbstractPrivateImplementation() { removeChild(); }
+
+AbstractPrivateImplementation::Publication::Publication(AbstractPrivateImplementation& implementation)
+    : m_implementation(implementation)
 {
-    if (owner)
-        owner->getPrivate()->setImplementation(this);
+    if (m_implementation.owner)
+        m_implementation.owner->getPrivate()->setImplementation(&m_implementation);
 }
 
-AbstractPrivateImplementation::~AbstractPrivateImplementation()
+AbstractPrivateImplementation::Publication::~Publication()
 {
-    if (owner)
-        owner->getPrivate()->withdrawImplementation(getProgress());
-    removeChild();
+    if (m_implementation.owner)
+        m_implementation.owner->getPrivate()->withdrawImplementation(m_implementation.getProgress());
 }
 
 void AbstractPrivateImplementation::cancelExecution()
