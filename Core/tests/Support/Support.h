@@ -7,5 +7,6 @@
 #include "Core/tests/Support/Picture.h"
 #include "Core/tests/Support/RandomPicture.h"
 #include "Core/tests/Support/SamePicture.h"
+#include "Core/tests/Support/TemporaryFolder.h"
 #include "Core/tests/Support/Threads.h"
 #include "Core/tests/Support/VoxelTypeLoop.h"
