@@ -35,6 +35,8 @@ private:
 /// Two threads may hold handles on one object; one handle is not for two threads at a time.
 template <class T> class Ref
 {
+    static T* asTarget(T* object) { return object; }
+
 public:
     /// A null handle.
     Ref() = default;
@@ -42,9 +44,10 @@ public:
     Ref(T* object)
         : m_impl(object)
     {}
-    template <class U>
+    /// Shares the object of a handle on a class that derives from `T`.
+    template <class U, class = decltype(asTarget(static_cast<U*>(nullptr)))>
     Ref(Ref<U> const& other)
-        : m_impl(static_cast<T*>(other.get()))
+        : m_impl(asTarget(other.get()))
     {}
 
     Ref& operator=(T* object)
