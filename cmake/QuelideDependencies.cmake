@@ -5,6 +5,8 @@ find_package(Boost 1.74 REQUIRED COMPONENTS filesystem iostreams)
 find_package(TBB 2021 REQUIRED COMPONENTS tbb)
 find_package(Eigen3 3.4 REQUIRED)
 find_package(xsimd REQUIRED)
+# Headers alone. The package also names a library to link, xtl, which does not exist.
+set_property(TARGET xsimd PROPERTY INTERFACE_LINK_LIBRARIES "")
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(CPUID REQUIRED IMPORTED_TARGET libcpuid)
 if(QUELIDE_SCALABLE_ALLOCATOR)

@@ -26,7 +26,7 @@ target_compile_options(quelide_policy INTERFACE
   # Overrides the -O3 of CMake's Release: half the code, and kernels ask for -O3 themselves.
   $<$<CONFIG:Release>:-O2>)
 if(QUELIDE_WERROR)
-  target_compile_options(quelide_policy INTERFACE -Werror)
+  set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
 endif()
 target_include_directories(quelide_policy INTERFACE ${PROJECT_SOURCE_DIR})
 target_link_libraries(quelide_policy INTERFACE
