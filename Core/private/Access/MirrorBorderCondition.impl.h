@@ -46,13 +46,13 @@ void MirrorBorderCondition<T>::getData(ImageModel const* image, T* first, T* las
         return;
     }
 
-    // Read all columns that take part, once, then lay them out run by run. The walk turns at both edges after three
-    // runs at the latest, so these tell the columns.
+    // Read all columns that take part, once, then lay them out run by run. The second run goes from edge to edge, so
+    // the first two tell which columns these are.
     long lowest = sizes.cols;
     long highest = -1;
     MirrorWalk scout(col, sizes.cols);
     long left = request.count;
-    for (int turns = 0; turns < 3 && left > 0; ++turns) {
+    for (int turns = 0; turns < 2 && left > 0; ++turns) {
         MirrorWalk::Run const run = scout.next(left);
         lowest = std::min(lowest, run.firstCol);
         highest = std::max(highest, run.firstCol + run.count - 1);
@@ -65,7 +65,7 @@ void MirrorBorderCondition<T>::getData(ImageModel const* image, T* first, T* las
     readRow(*image, reinterpret_cast<unsigned char*>(voxels.get()), request);
 
     MirrorWalk walk(col, sizes.cols);
-    for (; count > 0;) {
+    while (count > 0) {
         MirrorWalk::Run const run = walk.next(count);
         T const* const source = voxels.get() + (run.firstCol - lowest);
         first = run.ascending ? std::copy_n(source, run.count, first)
