@@ -41,4 +41,8 @@ AlgoInfo* AlgoInfo::fromName(char const* name)
     QEL_THROW(InvalidCall, "The className " << wanted << " does not exist");
 }
 
+unsigned long AlgoInfo::getNumOfAlgorithms() { return AlgoInfoPrivate::allAlgorithms().size(); }
+
+AlgoInfo* AlgoInfo::fromIndex(unsigned long index) { return AlgoInfoPrivate::allAlgorithms()[index]; }
+
 } // namespace qel
