@@ -20,7 +20,7 @@ ALLOWED = re.compile("|".join([
     rf"guard variable for {OURS}",
 ]))
 # A class that is inside the library, by its suffix.
-INSIDE = re.compile(r"\b\w+(?:Private|Runner|Dispatcher|Generic|Body)(?:<[^()]*>)?(?:::|$)")
+INSIDE = re.compile(r"\b[A-Z]\w*(?:Private|Runner|Dispatcher|Generic|Body)(?:<[^()]*>)?(?:::|$)")
 
 nm, library = sys.argv[1:]
 lines = subprocess.run([nm, "-D", "-C", "--defined-only", library], check=True, capture_output=True,
