@@ -1,0 +1,75 @@
+#pragma once
+
+#include "Core/private/Access/IteratorPixel.h"
+
+#include <tbb/blocked_range.h> // tbb::split
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+
+namespace qel::analysis {
+
+/// Several running extrema side by side, so that the loop over them is one of vectors. A NaN is passed over.
+template <class T> struct ExtremaLanes
+{
+    static constexpr std::size_t count = 64 / sizeof(T);
+
+    T minima[count];
+    T maxima[count];
+
+    ExtremaLanes()
+    {
+        std::fill_n(minima, count, std::numeric_limits<T>::max());
+        std::fill_n(maxima, count, std::numeric_limits<T>::lowest());
+    }
+
+    void add(T const* row, std::size_t voxels)
+    {
+        std::size_t x = 0;
+        for (; x + count <= voxels; x += count)
+            for (std::size_t lane = 0; lane < count; ++lane) {
+                T const voxel = row[x + lane];
+                minima[lane] = voxel < minima[lane] ? voxel : minima[lane];
+                maxima[lane] = voxel > maxima[lane] ? voxel : maxima[lane];
+            }
+        for (std::size_t lane = 0; x + lane < voxels; ++lane) {
+            T const voxel = row[x + lane];
+            minima[lane] = voxel < minima[lane] ? voxel : minima[lane];
+            maxima[lane] = voxel > maxima[lane] ? voxel : maxima[lane];
+        }
+    }
+
+    T minimum() const { return *std::min_element(minima, minima + count); }
+    T maximum() const { return *std::max_element(maxima, maxima + count); }
+};
+
+template <class T> class IntensityExtremaScalarGeneric
+{
+public:
+    T minimum = std::numeric_limits<T>::max();
+    T maximum = std::numeric_limits<T>::lowest();
+
+    IntensityExtremaScalarGeneric() = default;
+    IntensityExtremaScalarGeneric(IntensityExtremaScalarGeneric&, tbb::split) {}
+
+    template <class Filter> void run(access::Block3d const& block, Filter& filter)
+    {
+        access::IteratorPixelInput<typename Filter::InputView, 1> in(filter.getInputView());
+        ExtremaLanes<T> lanes;
+        for (in.init(block); !in.atEnd(); in.nextRow())
+            lanes.add(in.rowData(), in.rowLength());
+        minimum = std::min(minimum, lanes.minimum());
+        maximum = std::max(maximum, lanes.maximum());
+    }
+
+    void join(IntensityExtremaScalarGeneric& right)
+    {
+        minimum = std::min(minimum, right.minimum);
+        maximum = std::max(maximum, right.maximum);
+    }
+
+    void finalize() {}
+};
+
+} // namespace qel::analysis

@@ -1,0 +1,40 @@
+#include "Analysis/private/IntensityExtremaScalarGeneric.h"
+#include "Analysis/private/measure.h"
+#include "Core/private/Access/FixedBorderCondition.h"
+#include "Core/private/DefineAlgorithm.h"
+#include "Core/private/ScalarRunner.h"
+#include "Core/private/TypeDispatch.h"
+#include "Core/private/storeResult.h"
+
+#include <qel/analysis/IntensityExtrema.h>
+
+namespace qel::analysis {
+
+namespace {
+
+struct IntensityExtremaScalarDispatcher
+{
+    template <class T> static void run(IntensityExtrema* extrema)
+    {
+        IntensityExtremaScalarGeneric<T> body;
+        measure<T, SimdVec::arch_scalar_tag>(*extrema, extrema->input, access::FixedBorderCondition<T>::New(T(0)),
+                                             body);
+        storeResult(extrema->outputMinimum, Scalar(body.minimum));
+        storeResult(extrema->outputMaximum, Scalar(body.maximum));
+    }
+};
+
+class IntensityExtremaScalarRunner : public ScalarRunner<IntensityExtrema>
+{
+    void runOn(IntensityExtrema& extrema) const override
+    {
+        tmpl_dispatch::Visitor1Args<AllVoxelTypes, IntensityExtremaScalarDispatcher, IntensityExtrema*>()(
+            extrema.input.get()->getVoxelType(), &extrema);
+    }
+};
+
+} // namespace
+
+QEL_REGISTER_RUNNER(IntensityExtrema, IntensityExtremaScalarRunner)
+
+} // namespace qel::analysis
