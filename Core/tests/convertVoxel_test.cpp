@@ -2,11 +2,10 @@
 #include "Core/private/Helper/convertVoxel.h"
 #include "Core/tests/Support/Support.h"
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <set>
 #include <vector>
 
 namespace qel::test {
@@ -16,47 +15,156 @@ using helper::convertVoxel;
 using helper::VoxelConversion;
 using helper::voxelConversion;
 
-/// The meaning of the cast, said a second time and slowly: in extended precision, which holds every value of every
-/// voxel type.
-template <class Out, class In> Out slowCast(In value)
+constexpr int NUM_OF_TYPES = 10;
+
+bool isReal(VoxelTypes type) { return type == QEL_FLOAT32 || type == QEL_FLOAT64; }
+
+/// A row of voxels of any type.
+struct Row
 {
-    if constexpr (std::is_floating_point_v<Out>) {
-        return static_cast<Out>(static_cast<long double>(value));
-    } else if constexpr (std::is_integral_v<In>) {
-        __int128 const modulus = __int128(1) << (8 * sizeof(Out));
-        __int128 rest = __int128(value) % modulus;
-        if (rest < 0)
-            rest += modulus;
-        if (rest > __int128(std::numeric_limits<Out>::max()))
-            rest -= modulus;
-        return static_cast<Out>(rest);
-    } else {
-        bool const through32 = sizeof(Out) < 4 || std::is_same_v<Out, int>;
-        long double const top = std::ldexp(1.0L, through32 ? 31 : 63);
-        long double const whole = std::trunc(static_cast<long double>(value));
-        if (std::is_same_v<Out, unsigned long> && whole >= 0 && whole < 2 * top)
-            return static_cast<Out>(static_cast<unsigned long>(whole));
-        bool const fits = !std::isnan(value) && whole >= -top && whole < top;
-        return slowCast<Out>(static_cast<long>(fits ? whole : -top));
+    VoxelTypes type;
+    std::vector<unsigned char> bytes;
+
+    Row(VoxelTypes itsType, unsigned long count)
+        : type(itsType)
+        , bytes(count * memory::sizeOfVoxelType(itsType))
+    {}
+    template <class T>
+    explicit Row(std::vector<T> const& voxels)
+        : Row(VoxelTypeOf<T>::value, voxels.size())
+    {
+        if (!voxels.empty())
+            std::memcpy(bytes.data(), voxels.data(), bytes.size());
     }
+    unsigned long voxelSize() const { return memory::sizeOfVoxelType(type); }
+    unsigned long count() const { return bytes.size() / voxelSize(); }
+    unsigned char* at(unsigned long i) { return bytes.data() + i * voxelSize(); }
+    unsigned char const* at(unsigned long i) const { return bytes.data() + i * voxelSize(); }
+    /// In extended precision, which holds every value of every voxel type.
+    long double value(unsigned long i) const
+    {
+        switch (type) {
+#define QEL_LOAD(T)                                                                                                    \
+    case VoxelTypeOf<T>::value: {                                                                                      \
+        T voxel;                                                                                                       \
+        std::memcpy(&voxel, at(i), sizeof(T));                                                                         \
+        return voxel;                                                                                                  \
+    }
+            QEL_FOR_EACH_VOXEL_TYPE(QEL_LOAD)
+#undef QEL_LOAD
+        default:
+            return 0;
+        }
+    }
+};
+
+/// The meaning of the cast, said a second time and slowly.
+Row slowCast(Row const& source, VoxelTypes target)
+{
+    Row result(target, source.count());
+    for (unsigned long i = 0; i < source.count(); ++i) {
+        long double const value = source.value(i);
+        if (target == QEL_FLOAT32) {
+            auto const real = static_cast<float>(value);
+            std::memcpy(result.at(i), &real, sizeof(real));
+        } else if (target == QEL_FLOAT64) {
+            auto const real = static_cast<double>(value);
+            std::memcpy(result.at(i), &real, sizeof(real));
+        } else {
+            __int128 whole = 0;
+            if (!isReal(source.type)) {
+                whole = static_cast<__int128>(value);
+            } else {
+                bool const through32 = result.voxelSize() < 4 || target == QEL_INT32;
+                long double const top = std::ldexp(1.0L, through32 ? 31 : 63);
+                long double const cut = std::trunc(value);
+                bool const fits = cut >= -top && cut < (target == QEL_UINT64 ? 2 * top : top);
+                whole = static_cast<__int128>(fits ? cut : -top);
+            }
+            std::memcpy(result.at(i), &whole, result.voxelSize()); // the low bits
+        }
+    }
+    return result;
 }
 
-/// 67 values that start at another one for each turn, so that each meets all lanes of a packet and the tail.
-template <class T> std::array<T, 67> specialRow(std::size_t turn)
+/// Equal, or NaN on both sides; a failure names types, place and values.
+testing::AssertionResult sameRow(Row const& source, Row const& expected, Row const& actual)
 {
-    auto const special = specialValues<T>(true);
-    std::array<T, 67> row;
-    for (std::size_t i = 0; i < row.size(); ++i)
-        row[i] = special[(i + turn) % special.size()];
+    for (unsigned long i = 0; i < expected.count(); ++i)
+        if (!sameValue(expected.value(i), actual.value(i)))
+            return testing::AssertionFailure()
+                   << helper::VoxelTypesToString(source.type).c_str() << " to "
+                   << helper::VoxelTypesToString(expected.type).c_str() << ", voxel " << i << " of " << expected.count()
+                   << ": " << source.value(i) << " became " << actual.value(i) << " and not " << expected.value(i);
+    return testing::AssertionSuccess();
+}
+
+/// `count` values of the type, which start at another special one for each turn, so that each meets all lanes of a
+/// packet and its tail.
+Row specialRow(VoxelTypes type, unsigned long count, unsigned long turn)
+{
+    Row row(type, 0);
+    forEachVoxelType([&]<class T>() {
+        if (VoxelTypeOf<T>::value != type)
+            return;
+        auto const special = specialValues<T>(true);
+        std::vector<T> voxels(count);
+        for (unsigned long i = 0; i < count; ++i)
+            voxels[i] = special[(i + turn) % special.size()];
+        row = Row(voxels);
+    });
     return row;
 }
 
-template <class Target, class Source>
-void convert(VoxelConversion conversion, Source const* source, Target* target, unsigned long count)
+Row randomRow(VoxelTypes type, unsigned long count, unsigned seed)
 {
-    auto from = reinterpret_cast<unsigned char const*>(source);
-    auto to = reinterpret_cast<unsigned char*>(target);
-    conversion(from, to, count);
+    Row row(type, 0);
+    forEachVoxelType([&]<class T>() {
+        if (VoxelTypeOf<T>::value == type)
+            row = Row(randomPicture<T>(Shape{count}, seed, true).voxels);
+    });
+    return row;
+}
+
+/// Calls visit(source, target) for the ninety ordered pairs of different types.
+template <class Visit> void forEachPair(Visit const& visit)
+{
+    for (int source = 0; source < NUM_OF_TYPES; ++source)
+        for (int target = 0; target < NUM_OF_TYPES; ++target)
+            if (source != target)
+                visit(VoxelTypes(source), VoxelTypes(target));
+}
+
+/// convertVoxel of one voxel, for a pair that is known at run time only.
+using SingleCast = void (*)(unsigned char const*, unsigned char*);
+template <class Source, class Target> void castOne(unsigned char const* source, unsigned char* target)
+{
+    Source in;
+    std::memcpy(&in, source, sizeof(in));
+    Target const out = convertVoxel<Target>(in);
+    std::memcpy(target, &out, sizeof(out));
+}
+template <class Source> SingleCast castFrom(VoxelTypes target)
+{
+#define QEL_CAST(T) &castOne<Source, T>,
+    static constexpr SingleCast casts[] = {QEL_FOR_EACH_VOXEL_TYPE(QEL_CAST)};
+#undef QEL_CAST
+    return casts[target];
+}
+SingleCast castOf(VoxelTypes source, VoxelTypes target)
+{
+#define QEL_CAST(T) &castFrom<T>,
+    static constexpr SingleCast (*casts[])(VoxelTypes) = {QEL_FOR_EACH_VOXEL_TYPE(QEL_CAST)};
+#undef QEL_CAST
+    return casts[source](target);
+}
+
+void convert(unsigned char const* source, VoxelTypes sourceType, unsigned char* target, VoxelTypes targetType,
+             unsigned long count)
+{
+    VoxelConversion const conversion = voxelConversion(sourceType, targetType);
+    ASSERT_NE(conversion, nullptr);
+    conversion(source, target, count);
 }
 
 TEST(ConvertVoxel, keepsTheLowBitsOfATruncatedReal)
@@ -103,83 +211,67 @@ TEST(ConvertVoxel, keepsTheLowBitsOfAnInteger)
 
 TEST(ConvertVoxel, matchesItsDefinitionForEveryPairOfTypes)
 {
-    forEachVoxelTypePair([]<class Source, class Target>() {
-        for (Source const value : specialValues<Source>(true))
-            EXPECT_TRUE(sameValue(slowCast<Target>(value), convertVoxel<Target>(value))) << +value;
-        for (Source const value : randomPicture<Source>(Shape{2000}, 17, true).voxels)
-            EXPECT_TRUE(sameValue(slowCast<Target>(value), convertVoxel<Target>(value))) << +value;
-    });
+    for (int source = 0; source < NUM_OF_TYPES; ++source)
+        for (int target = 0; target < NUM_OF_TYPES; ++target)
+            for (Row const& row : {specialRow(VoxelTypes(source), 67, 0), randomRow(VoxelTypes(source), 2000, 17)}) {
+                Row result(VoxelTypes(target), row.count());
+                for (unsigned long i = 0; i < row.count(); ++i)
+                    castOf(row.type, result.type)(row.at(i), result.at(i));
+                EXPECT_TRUE(sameRow(row, slowCast(row, result.type), result));
+            }
 }
 
 TEST(ConvertVecFunc, givesARowOfSixtySevenTheValuesOfSixtySevenRowsOfOne)
 {
-    forEachVoxelTypePair([]<class Source, class Target>() {
-        VoxelConversion const conversion = voxelConversion(VoxelTypeOf<Source>::value, VoxelTypeOf<Target>::value);
-        if constexpr (std::is_same_v<Source, Target>) {
-            EXPECT_EQ(conversion, nullptr);
-        } else {
-            ASSERT_NE(conversion, nullptr);
-            for (std::size_t turn = 0; turn < specialValues<Source>(true).size(); ++turn) {
-                auto const source = specialRow<Source>(turn);
-                std::array<Target, 67> whole;
-                std::array<Target, 67> single;
-                convert(conversion, source.data(), whole.data(), 67);
-                for (std::size_t i = 0; i < 67; ++i) {
-                    convert(conversion, &source[i], &single[i], 1);
-                    EXPECT_TRUE(sameValue(whole[i], single[i])) << "voxel " << i << " of turn " << turn;
-                    EXPECT_TRUE(sameValue(whole[i], slowCast<Target>(source[i]))) << +source[i];
-                }
-            }
+    forEachPair([](VoxelTypes source, VoxelTypes target) {
+        for (unsigned long turn = 0; turn < 67; ++turn) {
+            Row const row = specialRow(source, 67, turn);
+            Row whole(target, 67);
+            Row single(target, 67);
+            convert(row.at(0), source, whole.at(0), target, 67);
+            for (unsigned long i = 0; i < 67; ++i)
+                convert(row.at(i), source, single.at(i), target, 1);
+            EXPECT_TRUE(sameRow(row, single, whole));
+            EXPECT_TRUE(sameRow(row, slowCast(row, target), whole));
         }
     });
 }
 
 TEST(ConvertVecFunc, convertsRowsOfAnyLengthAtAnyAddress)
 {
-    forEachVoxelTypePair([]<class Source, class Target>() {
-        if constexpr (!std::is_same_v<Source, Target>) {
-            VoxelConversion const conversion = voxelConversion(VoxelTypeOf<Source>::value, VoxelTypeOf<Target>::value);
-            for (unsigned long const count : {0, 1, 2, 15, 16, 17, 511, 512, 513, 1024, 1500}) {
-                auto const source = randomPicture<Source>(Shape{count}, 5, true).voxels;
-                std::vector<unsigned char> from(count * sizeof(Source) + 1);
-                std::vector<unsigned char> to(count * sizeof(Target) + 3, 0xEE);
-                if (count != 0)
-                    std::memcpy(from.data() + 1, source.data(), count * sizeof(Source));
-                unsigned char const* const begin = from.data() + 1;
-                unsigned char const* readAt = begin;
-                unsigned char* writeAt = to.data() + 1;
-                conversion(readAt, writeAt, count);
-                EXPECT_EQ(readAt, begin);
-                EXPECT_EQ(writeAt, to.data() + 1);
-                EXPECT_EQ(to.front(), 0xEE);
-                EXPECT_EQ(to[count * sizeof(Target) + 1], 0xEE);
-                for (unsigned long i = 0; i < count; ++i) {
-                    Target value;
-                    std::memcpy(&value, to.data() + 1 + i * sizeof(Target), sizeof(Target));
-                    ASSERT_TRUE(sameValue(value, slowCast<Target>(source[i]))) << i << " of " << count;
-                }
-            }
+    forEachPair([](VoxelTypes source, VoxelTypes target) {
+        for (unsigned long const count : {0, 1, 2, 15, 16, 17, 511, 512, 513, 1024, 1500}) {
+            Row const row = randomRow(source, count, 5);
+            Row result(target, count);
+            std::vector<unsigned char> from(row.bytes.size() + 1);
+            std::vector<unsigned char> to(result.bytes.size() + 3, 0xEE);
+            std::copy(row.bytes.begin(), row.bytes.end(), from.begin() + 1);
+            unsigned char const* const begin = from.data() + 1;
+            unsigned char const* readAt = begin;
+            unsigned char* writeAt = to.data() + 1;
+            voxelConversion(source, target)(readAt, writeAt, count);
+            EXPECT_EQ(readAt, begin);
+            EXPECT_EQ(writeAt, to.data() + 1);
+            EXPECT_EQ(to.front(), 0xEE);
+            EXPECT_EQ(to[result.bytes.size() + 1], 0xEE);
+            std::copy_n(to.begin() + 1, result.bytes.size(), result.bytes.begin());
+            EXPECT_TRUE(sameRow(row, slowCast(row, target), result));
         }
     });
 }
 
 TEST(ConvertVecFunc, widensInPlaceFromTheTailOfTheBuffer)
 {
-    forEachVoxelTypePair([]<class Source, class Target>() {
-        if constexpr (!std::is_same_v<Source, Target> && sizeof(Target) >= sizeof(Source)) {
-            VoxelConversion const conversion = voxelConversion(VoxelTypeOf<Source>::value, VoxelTypeOf<Target>::value);
-            for (unsigned long const count : {1, 2, 3, 67, 511, 512, 513, 1025, 4000}) {
-                auto const source = randomPicture<Source>(Shape{count}, 7, true).voxels;
-                std::vector<Target> buffer(count);
-                auto const bytes = reinterpret_cast<unsigned char*>(buffer.data());
-                unsigned char* const tail = bytes + count * (sizeof(Target) - sizeof(Source));
-                std::memcpy(tail, source.data(), count * sizeof(Source));
-                unsigned char const* from = tail;
-                unsigned char* to = bytes;
-                conversion(from, to, count);
-                for (unsigned long i = 0; i < count; ++i)
-                    ASSERT_TRUE(sameValue(buffer[i], slowCast<Target>(source[i]))) << i << " of " << count;
-            }
+    forEachPair([](VoxelTypes source, VoxelTypes target) {
+        for (unsigned long const count : {1, 2, 3, 67, 511, 512, 513, 1025, 4000}) {
+            Row const row = randomRow(source, count, 7);
+            Row result(target, count);
+            if (result.bytes.size() < row.bytes.size())
+                continue;
+            unsigned char* const tail = result.bytes.data() + (result.bytes.size() - row.bytes.size());
+            std::copy(row.bytes.begin(), row.bytes.end(), tail);
+            convert(tail, source, result.at(0), target, count);
+            EXPECT_TRUE(sameRow(row, slowCast(row, target), result));
         }
     });
 }
