@@ -10,10 +10,17 @@ add_library(Quelide::quelide ALIAS quelide)
 foreach(module IN LISTS modules)
   target_sources(quelide PRIVATE $<TARGET_OBJECTS:${module}>)
 endforeach()
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  # What no unit defines is an error here, not in the host that loads the library.
+  target_link_options(quelide PRIVATE LINKER:--no-undefined)
+endif()
 set_target_properties(quelide PROPERTIES
   LINKER_LANGUAGE CXX VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
   INSTALL_RPATH "" LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/quelide.map)
 target_link_options(quelide PRIVATE LINKER:--version-script=${PROJECT_SOURCE_DIR}/cmake/quelide.map)
+if(NOT QUELIDE_SANITIZE)
+  target_link_options(quelide PRIVATE LINKER:-z,defs) # what a host could not resolve fails here; sanitizers leave names open
+endif()
 target_link_libraries(quelide PRIVATE
   Threads::Threads Boost::filesystem Boost::iostreams PkgConfig::CPUID PUBLIC TBB::tbb)
 if(QUELIDE_SCALABLE_ALLOCATOR)

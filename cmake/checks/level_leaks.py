@@ -15,6 +15,6 @@ problems = []
 for path in objects:
     for line in subprocess.run([nm, "-C", path], check=True, capture_output=True, text=True).stdout.splitlines():
         kind, symbol = line[17:].split(" ", 1)
-        if kind in "WVu" and not ARCHITECTURE.search(symbol):
+        if kind == "W" and not ARCHITECTURE.search(symbol):
             problems.append(f"{path.rsplit('/', 1)[1]}: {symbol}")
 project.finish(problems, len(objects))
