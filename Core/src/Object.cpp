@@ -9,8 +9,8 @@ Object::~Object() noexcept(false) = default;
 
 void Object::destroy() { destroy(this); }
 
-// Kept apart from the member: inlined there, its test would count as always false, and a host that calls the member on
-// a null pointer, as older hosts do, would die.
+// Kept apart from the member: inlined there, its test would count as always false, and a call on a null pointer would
+// crash instead of doing nothing.
 [[gnu::noipa]] void Object::destroy(Object* object)
 {
     if (!object)

@@ -27,8 +27,6 @@ public:
     /// True when `other` is of the same class and has the same content.
     virtual bool operator==(Data const& other) const = 0;
 
-    // The loader of files of any class, `static Ref<Data> load(String const& path)`, joins with the archives.
-
 protected:
     Data();
     Data(Data const& other);
