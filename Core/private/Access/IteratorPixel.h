@@ -17,8 +17,8 @@ public:
 
     /// With `padToPacket`, rows are read up to a whole number of packets; what lies beyond the block comes from the
     /// image or its border condition.
-    void init(Block2d const& block, bool padToPacket = false) { start(block, padToPacket); }
-    void init(Block3d const& block, bool padToPacket = false) { start(block, padToPacket); }
+    void init(Block2d const& block, bool padToPacket = false);
+    void init(Block3d const& block, bool padToPacket = false);
 
     VoxelType const& operator*() const { return *m_voxel; }
     VoxelType const* pointer() const { return m_voxel; }
@@ -38,7 +38,7 @@ public:
     void nextRow();
 
 private:
-    template <class B> void start(B const& block, bool padToPacket);
+    void start(bool padToPacket);
     void load();
 
     boost::shared_ptr<View const> m_view;
@@ -57,8 +57,8 @@ public:
     IteratorPixelOutput(boost::shared_ptr<View> view, bool readBeforeWrite,
                         OverlapBorder const& overlap = OverlapBorder());
 
-    void init(Block2d const& block) { start(block); }
-    void init(Block3d const& block) { start(block); }
+    void init(Block2d const& block);
+    void init(Block3d const& block);
 
     VoxelType& operator*() const { return *m_voxel; }
     VoxelType* pointer() const { return m_voxel; }
@@ -77,7 +77,6 @@ public:
     void nextRow();
 
 private:
-    template <class B> void start(B const& block);
     void load();
 
     boost::shared_ptr<View> m_view;
@@ -96,8 +95,8 @@ public:
     explicit IteratorPixelBiDir_Input(boost::shared_ptr<View const> view,
                                       OverlapBorder const& overlap = OverlapBorder());
 
-    void init(Block2d const& block, IteratorDirection direction) { start(block, direction); }
-    void init(Block3d const& block, IteratorDirection direction) { start(block, direction); }
+    void init(Block2d const& block, IteratorDirection direction);
+    void init(Block3d const& block, IteratorDirection direction);
 
     VoxelType const& operator*() const { return *m_voxel; }
     VoxelType const* pointer() const { return m_voxel; }
@@ -118,7 +117,6 @@ public:
     void nextRow();
 
 private:
-    template <class B> void start(B const& block, IteratorDirection direction);
     void load();
 
     boost::shared_ptr<View const> m_view;

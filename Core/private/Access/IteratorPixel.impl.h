@@ -10,11 +10,20 @@ IteratorPixelInput<View, N>::IteratorPixelInput(boost::shared_ptr<View const> vi
     , m_cache(view->createRowCacheRead(1))
 {}
 
-template <class View, int N>
-template <class B>
-void IteratorPixelInput<View, N>::start(B const& block, bool padToPacket)
+template <class View, int N> void IteratorPixelInput<View, N>::init(Block2d const& block, bool padToPacket)
 {
     setBlock(block, Forward, N);
+    start(padToPacket);
+}
+
+template <class View, int N> void IteratorPixelInput<View, N>::init(Block3d const& block, bool padToPacket)
+{
+    setBlock(block, Forward, N);
+    start(padToPacket);
+}
+
+template <class View, int N> void IteratorPixelInput<View, N>::start(bool padToPacket)
+{
     unsigned long const packets = (rowLength() + N - 1) / N;
     m_voxelsToRead = padToPacket ? packets * N : rowLength();
     load();
@@ -40,7 +49,13 @@ IteratorPixelOutput<View, N>::IteratorPixelOutput(boost::shared_ptr<View> view, 
     , m_overlap(overlap)
 {}
 
-template <class View, int N> template <class B> void IteratorPixelOutput<View, N>::start(B const& block)
+template <class View, int N> void IteratorPixelOutput<View, N>::init(Block2d const& block)
+{
+    setBlock(block, Forward, N);
+    load();
+}
+
+template <class View, int N> void IteratorPixelOutput<View, N>::init(Block3d const& block)
 {
     setBlock(block, Forward, N);
     load();
@@ -66,8 +81,14 @@ IteratorPixelBiDir_Input<View, N>::IteratorPixelBiDir_Input(boost::shared_ptr<Vi
 {}
 
 template <class View, int N>
-template <class B>
-void IteratorPixelBiDir_Input<View, N>::start(B const& block, IteratorDirection direction)
+void IteratorPixelBiDir_Input<View, N>::init(Block2d const& block, IteratorDirection direction)
+{
+    setBlock(block, direction);
+    load();
+}
+
+template <class View, int N>
+void IteratorPixelBiDir_Input<View, N>::init(Block3d const& block, IteratorDirection direction)
 {
     setBlock(block, direction);
     load();

@@ -15,8 +15,8 @@ public:
 
     explicit IteratorSpectralInput(boost::shared_ptr<View const> view, OverlapBorder const& overlap = OverlapBorder());
 
-    void init(Block2d const& block) { start(block); }
-    void init(Block3d const& block) { start(block); }
+    void init(Block2d const& block);
+    void init(Block3d const& block);
 
     unsigned long size() const { return m_voxels.size(); }
     VoxelType const* pointer(unsigned long series) const { return m_voxels[series]; }
@@ -36,7 +36,6 @@ public:
     void nextRow();
 
 private:
-    template <class B> void start(B const& block);
     void load();
 
     boost::shared_ptr<View const> m_view;
@@ -53,8 +52,8 @@ public:
     IteratorTemporalOutput(boost::shared_ptr<View> view, bool readBeforeWrite,
                            OverlapBorder const& overlap = OverlapBorder());
 
-    void init(Block2d const& block) { start(block); }
-    void init(Block3d const& block) { start(block); }
+    void init(Block2d const& block);
+    void init(Block3d const& block);
 
     unsigned long size() const { return m_voxels.size(); }
     VoxelType* pointer(unsigned long series) const { return m_voxels[series]; }
@@ -74,7 +73,6 @@ public:
     void nextRow();
 
 private:
-    template <class B> void start(B const& block);
     void load();
 
     boost::shared_ptr<View> m_view;

@@ -11,7 +11,13 @@ IteratorSpectralInput<View, N>::IteratorSpectralInput(boost::shared_ptr<View con
     , m_voxels(view->numOfSpectralSeries())
 {}
 
-template <class View, int N> template <class B> void IteratorSpectralInput<View, N>::start(B const& block)
+template <class View, int N> void IteratorSpectralInput<View, N>::init(Block2d const& block)
+{
+    setBlock(block, Forward, N);
+    load();
+}
+
+template <class View, int N> void IteratorSpectralInput<View, N>::init(Block3d const& block)
 {
     setBlock(block, Forward, N);
     load();
@@ -41,7 +47,13 @@ IteratorTemporalOutput<View, N>::IteratorTemporalOutput(boost::shared_ptr<View> 
     , m_voxels(view->numOfTimeSeries())
 {}
 
-template <class View, int N> template <class B> void IteratorTemporalOutput<View, N>::start(B const& block)
+template <class View, int N> void IteratorTemporalOutput<View, N>::init(Block2d const& block)
+{
+    setBlock(block, Forward, N);
+    load();
+}
+
+template <class View, int N> void IteratorTemporalOutput<View, N>::init(Block3d const& block)
 {
     setBlock(block, Forward, N);
     load();

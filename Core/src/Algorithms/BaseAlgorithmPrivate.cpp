@@ -89,8 +89,9 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
 
     auto const promise = std::make_shared<std::promise<void>>();
     std::future<void> done = promise->get_future();
-    // No place is kept for the calling thread, which only polls: so a worker comes even where one thread is allowed.
-    tbb::task_arena arena(tbb::this_task_arena::max_concurrency(), 0);
+    // As many workers as a run on this thread would get, and one where there would be none: an enqueued task is never
+    // left to starve.
+    tbb::task_arena arena(tbb::this_task_arena::max_concurrency());
     arena.enqueue([this, &host, promise] {
         try {
             runInternal(&host);
