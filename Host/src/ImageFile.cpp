@@ -110,7 +110,7 @@ void readImageFile(std::string const& path, std::optional<qel::VoxelTypes> wante
         // A picture says nothing of the size of its voxels: they count as one unit.
         for (qel::Components const axis : axes)
             image.setSpacingOf(axis, 1.0);
-        readPicture(path, target);
+        pictures().read(path, target);
         return;
     }
     qel::Ref<qel::BaseAlgorithm> const load(qel::AlgoInfo::fromName("LoadQelRawImage")->createInstance());
@@ -136,11 +136,11 @@ void readImage(ImageArgument const& argument, qel::memory::InMemoryImage& image)
 
 void checkWritable(std::string const& path)
 {
-    if (isRawImage(path) || canWritePicture(path))
+    if (isRawImage(path) || pictures().canWrite(path))
         return;
     std::vector<std::string> known{"qeli"};
-    for (std::string const& extension : pictureExtensions()) {
-        if (canWritePicture("x." + extension))
+    for (std::string const& extension : pictures().extensions()) {
+        if (pictures().canWrite("x." + extension))
             known.push_back(extension);
     }
     throw UsageError(unknownName("writable image format for the extension", extensionOf(path), known) + " (" + path +
@@ -156,7 +156,7 @@ void writeImageFile(qel::ImageModel& image, std::optional<qel::VoxelTypes> type,
     qel::ImageModelAdapter adapter(&image, type.value_or(image.getVoxelType()));
     WriteSource source(*adapter.getImage());
     if (!isRawImage(path)) {
-        writePicture(source, path, temporary);
+        pictures().write(source, path, temporary);
         return;
     }
     qel::Ref<qel::BaseAlgorithm> const save(qel::AlgoInfo::fromName("SaveQelRawImage")->createInstance());

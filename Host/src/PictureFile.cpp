@@ -354,11 +354,11 @@ private:
             // Names that sort as they are numbered: some formats sort their channels.
             for (std::size_t channel = 0; channel < m_channels; ++channel) {
                 std::string const number = std::to_string(channel);
-                spec.channelnames[channel] = "s" + std::string(5 - number.size(), '0') + number;
+                spec.channelnames[channel] = std::string("s").append(5 - number.size(), '0').append(number);
             }
         }
         if (m_pages > 1 && std::string(m_file->format_name()) == "openexr")
-            spec.attribute("oiio:subimagename", "plan" + std::to_string(page));
+            spec.attribute("oiio:subimagename", std::string("plan").append(std::to_string(page)));
         unsigned long const bytes = m_columns * m_rows * m_pages * m_channels * qel::helper::getSizeOf(m_type);
         if (bytes > (1UL << 31))
             spec.attribute("tiff:bigtiff", 1);
@@ -447,40 +447,47 @@ private:
     std::unique_ptr<OIIO::ImageOutput> m_file;
 };
 
-} // namespace
+void read(std::string const& path, qel::ImageModel& image) { PictureReader(path).read(image); }
 
-void readPicture(std::string const& path, qel::ImageModel& image) { PictureReader(path).read(image); }
-
-void writePicture(qel::ImageModel const& image, std::string const& path, std::string const& temporary)
+void write(qel::ImageModel const& image, std::string const& path, std::string const& temporary)
 {
     PictureWriter(image, path, temporary).write();
 }
 
-bool canWritePicture(std::string const& path)
+bool canWrite(std::string const& path)
 {
     bool const can = OIIO::ImageOutput::create(path) != nullptr;
     OIIO::geterror();
     return can;
 }
 
-std::vector<std::string> pictureExtensions()
+std::vector<std::string> extensions()
 {
     // "openexr:exr,sxr;tiff:tif,tiff" and so on.
     std::string const list = OIIO::get_string_attribute("extension_list");
-    std::vector<std::string> extensions;
+    std::vector<std::string> all;
     std::string word;
     for (char const c : list + ";") {
         if (c == ':') {
             word.clear();
         } else if (c == ',' || c == ';') {
             if (!word.empty())
-                extensions.push_back(word);
+                all.push_back(word);
             word.clear();
         } else {
             word += c;
         }
     }
-    return extensions;
+    return all;
 }
 
+} // namespace
+
 } // namespace host
+
+/// The one entry of the module.
+extern "C" __attribute__((visibility("default"))) host::PictureFunctions const* quelidePictureFunctions()
+{
+    static host::PictureFunctions const functions{host::read, host::write, host::canWrite, host::extensions};
+    return &functions;
+}

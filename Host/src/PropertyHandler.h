@@ -86,6 +86,9 @@ private:
     Direction m_direction;
 };
 
+/// The handler for one property, by the table of kinds.
+std::unique_ptr<PropertyHandler> handlerOf(qel::BaseProperty& property, std::string const& name, Direction direction);
+
 /// The handlers of all properties of an algorithm: inputs, members that are no listed properties, outputs.
 PropertyHandlers handlersOf(qel::BaseAlgorithm& algorithm);
 

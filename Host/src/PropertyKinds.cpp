@@ -334,15 +334,6 @@ Maker const kinds[] = {
     points<Vector4<double>>,
 };
 
-std::unique_ptr<PropertyHandler> handlerOf(qel::BaseProperty& property, std::string const& name, Direction direction)
-{
-    for (Maker const make : kinds) {
-        if (std::unique_ptr<PropertyHandler> handler = make(property, name, direction))
-            return handler;
-    }
-    return std::make_unique<UnknownHandler>(name, direction);
-}
-
 // Members that are public, but no listed properties.
 void addMembers(qel::BaseAlgorithm& algorithm, PropertyHandlers& handlers)
 {
@@ -355,6 +346,15 @@ void addMembers(qel::BaseAlgorithm& algorithm, PropertyHandlers& handlers)
 }
 
 } // namespace
+
+std::unique_ptr<PropertyHandler> handlerOf(qel::BaseProperty& property, std::string const& name, Direction direction)
+{
+    for (Maker const make : kinds) {
+        if (std::unique_ptr<PropertyHandler> handler = make(property, name, direction))
+            return handler;
+    }
+    return std::make_unique<UnknownHandler>(name, direction);
+}
 
 PropertyHandlers handlersOf(qel::BaseAlgorithm& algorithm)
 {
