@@ -5,8 +5,7 @@
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
+#include <deque>
 
 #include <unistd.h>
 
@@ -16,14 +15,14 @@ namespace {
 
 std::atomic<int> signalNumber{0};
 // Read by the handler, so nothing but atomics and plain characters.
-std::array<std::atomic<char*>, 256> guarded{};
+std::array<std::atomic<char const*>, 256> guarded{};
 
 void handle(int number)
 {
     int none = 0;
     if (signalNumber.compare_exchange_strong(none, number))
         return;
-    for (std::atomic<char*>& entry : guarded) {
+    for (std::atomic<char const*>& entry : guarded) {
         if (char const* const path = entry.load())
             unlink(path);
     }
@@ -57,21 +56,21 @@ void check()
 
 bool guardFile(std::string const& path)
 {
-    char* const copy = strdup(path.c_str());
-    for (std::atomic<char*>& entry : guarded) {
-        char* none = nullptr;
+    // The handler may be reading a copy at any time, so none is ever freed; the list keeps them in reach.
+    static auto& copies = *new std::deque<std::string>;
+    char const* const copy = copies.emplace_back(path).c_str();
+    for (std::atomic<char const*>& entry : guarded) {
+        char const* none = nullptr;
         if (entry.compare_exchange_strong(none, copy))
             return true;
     }
-    std::free(copy);
     return false;
 }
 
 void releaseFile(std::string const& path)
 {
-    for (std::atomic<char*>& entry : guarded) {
-        char* const copy = entry.load();
-        // The copy is not freed: the handler may be reading it.
+    for (std::atomic<char const*>& entry : guarded) {
+        char const* const copy = entry.load();
         if (copy && path == copy)
             entry.store(nullptr);
     }
