@@ -18,6 +18,7 @@
 add_library(quelide_policy INTERFACE)
 target_compile_features(quelide_policy INTERFACE cxx_std_20)
 target_compile_options(quelide_policy INTERFACE
+  -fno-semantic-interposition
   -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wcast-align -Woverloaded-virtual
   # The same bits everywhere: no fused multiply-add, whatever processor a unit is compiled for.
   -ffp-contract=off

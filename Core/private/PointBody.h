@@ -54,20 +54,25 @@ private:
     Kernel m_kernel;
 };
 
-/// Runs a kernel from rows of `In` to rows of `Out`, whatever the voxel types of the images: where they differ, rows
-/// are cast on their way.
-template <class In, class Out, class Kernel>
-void runPointwise(BaseAlgorithm& owner, ImageModel const* input, ImageModel* output, Kernel const& kernel)
+/// Runs a body from `In` to `Out` over whole images, whatever their voxel types: where they differ, rows are cast on
+/// their way.
+template <class In, class Out, class Body>
+void runBody(BaseAlgorithm& owner, ImageModel const* input, ImageModel* output, Body body)
 {
-    using Body = PointBody<Kernel>;
     // The adapter serves both directions; for an input it calls nothing that writes.
     ImageModelAdapter const in(const_cast<ImageModel*>(input), VoxelTypeOf<In>::value);
     ImageModelAdapter const out(output, VoxelTypeOf<Out>::value);
-    Body body(kernel);
     ImageToImageFilter3d<In, Out, SimdVec::arch_scalar_tag, Body> filter(&owner, &body);
     filter.setInput(in.getImage(), access::FixedBorderCondition<In>::New(In(0)));
     filter.setOutput(out.getImage(), access::FixedBorderCondition<Out>::New(Out(0)));
     filter.run();
+}
+
+/// The same for a row kernel.
+template <class In, class Out, class Kernel>
+void runPointwise(BaseAlgorithm& owner, ImageModel const* input, ImageModel* output, Kernel const& kernel)
+{
+    runBody<In, Out>(owner, input, output, PointBody<Kernel>(kernel));
 }
 
 /// The same for a kernel of two inputs.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Core/private/Access/RowPosition.h"
+
 #include <qel/access/Block2d.h>
 #include <qel/access/Block3d.h>
 
@@ -30,8 +32,10 @@ public:
     long row() const { return m_row; }
     long plan() const { return m_plan; }
     /// How many voxels a row of the block has.
-    unsigned long rowLength() const { return m_block->getNbCols(); }
+    unsigned long rowLength() const { return m_rowLength; }
     Block const& block() const { return *m_block; }
+    /// Absolute coordinates of the first voxel of the current row.
+    RowPosition rowPosition() const { return at(0, m_row, m_plan); }
 
 protected:
     BlockCursor() = default;
@@ -41,6 +45,13 @@ protected:
     /// in a block that is narrower than a packet.
     void setBlock(Block2d const& block, IteratorDirection direction = Forward, long voxelsPerStep = 1);
     void setBlock(Block3d const& block, IteratorDirection direction = Forward, long voxelsPerStep = 1);
+
+    /// Absolute coordinates of a voxel that is given relative to the block.
+    RowPosition at(long column, long row, long plan, long timeSeries = 0, long spectralSeries = 0) const
+    {
+        return {m_origin.column + column, m_origin.row + row, m_origin.plan + plan, m_origin.timeSeries + timeSeries,
+                m_origin.spectralSeries + spectralSeries};
+    }
 
     enum class Turn
     {
@@ -52,6 +63,8 @@ protected:
     Turn turn();
 
     Block const* m_block = nullptr;
+    RowPosition m_origin;          // of the block
+    unsigned long m_rowLength = 0; // its columns
     bool m_initialized = false;
     IteratorDirection m_direction = Forward;
     long m_column = 0;

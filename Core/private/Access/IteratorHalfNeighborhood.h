@@ -28,12 +28,15 @@ protected:
     bool toNextRow();
 
 private:
+    using Row = OuputRow<View, typename View::Allocator>;
+
     void fetch(unsigned long slot, long row);
     void write(unsigned long slot);
 
     boost::shared_ptr<View> m_view;
     boost::shared_ptr<RowCacheReadWrite<View, typename View::Allocator>> m_cache;
     OverlapBorder m_overlap;
+    typename Row::SafeBox m_safeBox{};
     unsigned long m_current = 0; // the slot of the current row
 };
 
@@ -56,12 +59,15 @@ protected:
     bool toNextRow();
 
 private:
+    using Row = OuputRow<View, typename View::Allocator>;
+
     void fetch(unsigned long slot, long plan);
     void write(unsigned long slot);
 
     boost::shared_ptr<View> m_view;
     boost::shared_ptr<PlanCacheReadWrite<View, typename View::Allocator>> m_cache;
     OverlapBorder m_overlap;
+    typename Row::SafeBox m_safeBox{};
     unsigned long m_current = 0;
 };
 

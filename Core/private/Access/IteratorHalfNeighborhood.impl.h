@@ -14,6 +14,7 @@ ScannedRows<View, N>::ScannedRows(boost::shared_ptr<View> view, OverlapBorder co
 template <class View, int N> void ScannedRows<View, N>::init(Block2d const& block, IteratorDirection direction)
 {
     setBlock(block, direction);
+    m_safeBox = Row::safeBoxOf(block, m_overlap, *m_view);
     m_current = 0;
     fetch(0, m_row);
     fetch(1, direction == Forward ? m_row - 1 : m_row + 1);
@@ -21,12 +22,12 @@ template <class View, int N> void ScannedRows<View, N>::init(Block2d const& bloc
 
 template <class View, int N> void ScannedRows<View, N>::fetch(unsigned long slot, long row)
 {
-    m_cache->fetchRowInBlock(slot, rowLength() + 2, *m_block, -1, row, 0, 0, 0);
+    m_cache->fetchRow(slot, rowLength() + 2, at(-1, row, 0));
 }
 
 template <class View, int N> void ScannedRows<View, N>::write(unsigned long slot)
 {
-    m_cache->getRow(slot).writeRow(*m_block, m_overlap, 1, rowLength());
+    m_cache->getRow(slot).writeRow(m_safeBox, 1, rowLength());
 }
 
 template <class View, int N> bool ScannedRows<View, N>::toNextRow()
@@ -54,6 +55,7 @@ ScannedPlans<View, N>::ScannedPlans(boost::shared_ptr<View> view, OverlapBorder 
 template <class View, int N> void ScannedPlans<View, N>::init(Block3d const& block, IteratorDirection direction)
 {
     setBlock(block, direction);
+    m_safeBox = Row::safeBoxOf(block, m_overlap, *m_view);
     m_current = 0;
     fetch(0, m_plan);
     fetch(1, direction == Forward ? m_plan - 1 : m_plan + 1);
@@ -68,7 +70,7 @@ template <class View, int N> void ScannedPlans<View, N>::write(unsigned long slo
 {
     auto& plan = m_cache->getPlan(slot);
     for (unsigned long row = 0; row < m_block->getNbRows(); ++row)
-        plan.getRow(row + 1).writeRow(*m_block, m_overlap, 1, rowLength());
+        plan.getRow(row + 1).writeRow(m_safeBox, 1, rowLength());
 }
 
 template <class View, int N> bool ScannedPlans<View, N>::toNextRow()

@@ -35,7 +35,7 @@ template <class View, int N> void RotatingRows<View, N>::init(Block2d const& blo
 template <class View, int N> void RotatingRows<View, N>::fetch(unsigned long index, long row)
 {
     unsigned long const voxels = rowLength() + static_cast<unsigned long>(m_highest.x - m_lowest.x);
-    m_rows[index] = m_cache->fetchRowInBlock(m_slots[index], voxels, *m_block, m_lowest.x, row, 0, 0, 0).data();
+    m_rows[index] = m_cache->fetchRow(m_slots[index], voxels, at(m_lowest.x, row, 0)).data();
 }
 
 template <class View, int N> bool RotatingRows<View, N>::toNextRow()
@@ -154,8 +154,8 @@ template <class View> void IteratorNeighborhood2D_Square4ByBlock<View>::fetchRow
 {
     m_row = row;
     m_column = 0;
-    m_upper = m_cache->fetchRowInBlock(0, m_voxels, *m_block, 0, row, 0, 0, 0).data();
-    m_lower = m_cache->fetchRowInBlock(1, m_voxels, *m_block, 0, row + 1, 0, 0, 0).data();
+    m_upper = m_cache->fetchRow(0, m_voxels, at(0, row, 0)).data();
+    m_lower = m_cache->fetchRow(1, m_voxels, at(0, row + 1, 0)).data();
 }
 
 } // namespace qel::access

@@ -77,12 +77,15 @@ public:
     void nextRow();
 
 private:
+    using Row = OuputRow<View, typename View::Allocator>;
+
     void load();
 
     boost::shared_ptr<View> m_view;
     boost::shared_ptr<RowCacheReadWrite<View, typename View::Allocator>> m_cache;
     bool m_readBeforeWrite;
     OverlapBorder m_overlap;
+    typename Row::SafeBox m_safeBox{};
     VoxelType* m_voxel = nullptr;
 };
 

@@ -31,7 +31,7 @@ template <class View, int N> void IteratorPixelInput<View, N>::start(bool padToP
 
 template <class View, int N> void IteratorPixelInput<View, N>::load()
 {
-    m_voxel = m_cache->fetchRowInBlock(0, m_voxelsToRead, *m_block, 0, m_row, m_plan, 0, 0).data();
+    m_voxel = m_cache->fetchRow(0, m_voxelsToRead, at(0, m_row, m_plan)).data();
 }
 
 template <class View, int N> void IteratorPixelInput<View, N>::nextRow()
@@ -52,24 +52,26 @@ IteratorPixelOutput<View, N>::IteratorPixelOutput(boost::shared_ptr<View> view, 
 template <class View, int N> void IteratorPixelOutput<View, N>::init(Block2d const& block)
 {
     setBlock(block, Forward, N);
+    m_safeBox = Row::safeBoxOf(block, m_overlap, *m_view);
     load();
 }
 
 template <class View, int N> void IteratorPixelOutput<View, N>::init(Block3d const& block)
 {
     setBlock(block, Forward, N);
+    m_safeBox = Row::safeBoxOf(block, m_overlap, *m_view);
     load();
 }
 
 template <class View, int N> void IteratorPixelOutput<View, N>::load()
 {
-    m_voxel = m_readBeforeWrite ? m_cache->fetchRowInBlock(0, rowLength(), *m_block, 0, m_row, m_plan, 0, 0).data()
-                                : m_cache->getRowInBlock(0, rowLength(), *m_block, 0, m_row, m_plan, 0, 0).data();
+    m_voxel = m_readBeforeWrite ? m_cache->fetchRow(0, rowLength(), at(0, m_row, m_plan)).data()
+                                : m_cache->getRow(0, rowLength(), at(0, m_row, m_plan)).data();
 }
 
 template <class View, int N> void IteratorPixelOutput<View, N>::nextRow()
 {
-    m_cache->getRow(0).writeRow(*m_block, m_overlap);
+    m_cache->getRow(0).writeRow(m_safeBox);
     if (turn() != Turn::End)
         load();
 }
@@ -96,7 +98,7 @@ void IteratorPixelBiDir_Input<View, N>::init(Block3d const& block, IteratorDirec
 
 template <class View, int N> void IteratorPixelBiDir_Input<View, N>::load()
 {
-    m_voxel = m_cache->fetchRowInBlock(0, rowLength(), *m_block, 0, m_row, m_plan, 0, 0).data() + m_column;
+    m_voxel = m_cache->fetchRow(0, rowLength(), at(0, m_row, m_plan)).data() + m_column;
 }
 
 template <class View, int N> void IteratorPixelBiDir_Input<View, N>::nextRow()

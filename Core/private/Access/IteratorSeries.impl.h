@@ -27,8 +27,7 @@ template <class View, int N> void IteratorSpectralInput<View, N>::load()
 {
     for (unsigned long series = 0; series < size(); ++series)
         m_voxels[series] =
-            m_cache->fetchRowInBlock(series, rowLength(), *m_block, 0, m_row, m_plan, 0, static_cast<long>(series))
-                .data();
+            m_cache->fetchRow(series, rowLength(), at(0, m_row, m_plan, 0, static_cast<long>(series))).data();
 }
 
 template <class View, int N> void IteratorSpectralInput<View, N>::nextRow()
@@ -63,10 +62,9 @@ template <class View, int N> void IteratorTemporalOutput<View, N>::load()
 {
     for (unsigned long series = 0; series < size(); ++series) {
         long const time = static_cast<long>(series);
-        m_voxels[series] =
-            (m_readBeforeWrite ? m_cache->fetchRowInBlock(series, rowLength(), *m_block, 0, m_row, m_plan, time, 0)
-                               : m_cache->getRowInBlock(series, rowLength(), *m_block, 0, m_row, m_plan, time, 0))
-                .data();
+        m_voxels[series] = (m_readBeforeWrite ? m_cache->fetchRow(series, rowLength(), at(0, m_row, m_plan, time))
+                                              : m_cache->getRow(series, rowLength(), at(0, m_row, m_plan, time)))
+                               .data();
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/private/Access/OverlapBorder.h"
+#include "Core/private/Access/RowPosition.h"
 #include "Core/private/Access/View.h"
 
 #include <qel/access/Block.h>
@@ -38,16 +39,6 @@ public:
     using BaseRow<View, Alloc>::BaseRow;
 };
 
-/// Where a row belongs: absolute coordinates of its first voxel, which may lie outside the image.
-struct RowPosition
-{
-    long column = 0;
-    long row = 0;
-    long plan = 0;
-    long timeSeries = 0;
-    long spectralSeries = 0;
-};
-
 /// Voxels on their way to the image. They know where they belong.
 template <class View, class Alloc> class OuputRow : public BaseRow<View, Alloc>
 {
@@ -67,19 +58,27 @@ public:
     RowPosition const& getPosition() const { return m_position; }
     void setPosition(RowPosition const& position) { m_position = position; }
 
+    /// Where a block may write at once: no other block reads there.
+    struct SafeBox
+    {
+        long rowsBegin, rowsEnd, plansBegin, plansEnd, colsBegin, colsEnd;
+    };
+    static SafeBox safeBoxOf(Block const& block, OverlapBorder const& overlap, View const& view);
+
     /// Writes what lies in the image. With `deferMargins`, what lies outside the given box waits in the view.
     void writeRow(bool deferMargins, long rowsBegin, long rowsEnd, long plansBegin, long plansEnd, long colsBegin,
                   long colsEnd) const;
     /// Writes a row of the block; what a neighbouring block may still read waits in the view.
     void writeRow(Block const& block, OverlapBorder const& overlap) const;
+    /// The same for a box that was made before.
+    void writeRow(SafeBox const& box) const { write(true, box, 0, this->size()); }
     /// The same for `count` voxels from `offset` on: the rest of the row is only a copy of what its neighbours own.
-    void writeRow(Block const& block, OverlapBorder const& overlap, unsigned long offset, unsigned long count) const;
+    void writeRow(SafeBox const& box, unsigned long offset, unsigned long count) const
+    {
+        write(true, box, offset, count);
+    }
 
 private:
-    struct SafeBox
-    {
-        long rowsBegin, rowsEnd, plansBegin, plansEnd, colsBegin, colsEnd;
-    };
     void write(bool deferMargins, SafeBox const& box, unsigned long offset, unsigned long count) const;
     void defer(long first, long last) const;
 
@@ -117,6 +116,14 @@ public:
                          long timeSeries, long spectralSeries) const;
     Row& fetchRowInImage(unsigned long slot, unsigned long count, long column, long row, long plan, long timeSeries,
                          long spectralSeries) const;
+    /// For cursors. Inlined, so that the position stays in registers: stored and loaded again, it would stall each row.
+    [[gnu::always_inline]] Row& fetchRow(unsigned long slot, unsigned long count, RowPosition const& at) const
+    {
+        Row& target = this->getRow(slot);
+        target.resize(count);
+        this->m_view->read(target.data(), count, at);
+        return target;
+    }
 };
 
 /// Rows that are written.
@@ -129,9 +136,23 @@ public:
     /// The row with its present voxels.
     Row& fetchRowInBlock(unsigned long slot, unsigned long count, Block const& block, long column, long row, long plan,
                          long timeSeries, long spectralSeries) const;
+    [[gnu::always_inline]] Row& fetchRow(unsigned long slot, unsigned long count, RowPosition const& at) const
+    {
+        Row& target = getRow(slot, count, at);
+        this->m_view->read(target.data(), count, at);
+        return target;
+    }
     /// The row with whatever the earlier use of the slot left: for whoever sets every voxel.
     Row& getRowInBlock(unsigned long slot, unsigned long count, Block const& block, long column, long row, long plan,
                        long timeSeries, long spectralSeries) const;
+    using RowSlots<View, Row>::getRow;
+    [[gnu::always_inline]] Row& getRow(unsigned long slot, unsigned long count, RowPosition const& at) const
+    {
+        Row& target = this->getRow(slot);
+        target.resize(count);
+        target.setPosition(at);
+        return target;
+    }
 };
 
 /// The rows of one plan of a block: row i is the row `row + i` of the request. They are made when first asked for.

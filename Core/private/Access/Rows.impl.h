@@ -19,12 +19,6 @@ inline RowPosition inImage(Block const& block, long column, long row, long plan,
             static_cast<long>(block.spectralSeriesBegin()) + spectralSeries};
 }
 
-template <class View, class Row> void fetch(View const& view, Row& row, RowPosition const& at)
-{
-    view.getBorderCondition()->getData(view.getInterface(), row.data(), row.data() + row.size(), at.column, at.row,
-                                       at.plan, at.timeSeries, at.spectralSeries);
-}
-
 template <class View, class Alloc>
 boost::shared_ptr<OuputRow<View, Alloc>> OuputRow<View, Alloc>::New(OuputRow const& other)
 {
@@ -54,12 +48,12 @@ void OuputRow<View, Alloc>::writeRow(bool deferMargins, long rowsBegin, long row
 template <class View, class Alloc>
 void OuputRow<View, Alloc>::writeRow(Block const& block, OverlapBorder const& overlap) const
 {
-    writeRow(block, overlap, 0, this->size());
+    writeRow(safeBoxOf(block, overlap, *m_view));
 }
 
 template <class View, class Alloc>
-void OuputRow<View, Alloc>::writeRow(Block const& block, OverlapBorder const& overlap, unsigned long offset,
-                                     unsigned long count) const
+typename OuputRow<View, Alloc>::SafeBox OuputRow<View, Alloc>::safeBoxOf(Block const& block,
+                                                                         OverlapBorder const& overlap, View const& view)
 {
     auto const begin = [](unsigned long blockBegin, unsigned long margin) {
         return static_cast<long>(blockBegin == 0 ? blockBegin : blockBegin + margin);
@@ -70,12 +64,9 @@ void OuputRow<View, Alloc>::writeRow(Block const& block, OverlapBorder const& ov
         return blockEnd + 1 == size ? static_cast<long>(blockEnd)
                                     : static_cast<long>(blockEnd) - static_cast<long>(margin);
     };
-    write(true,
-          {begin(block.rowsBegin(), overlap.rowsLower), end(block.rowsEnd(), overlap.rowsUpper, m_view->numOfRows()),
-           begin(block.plansBegin(), overlap.plansLower),
-           end(block.plansEnd(), overlap.plansUpper, m_view->numOfPlans()), begin(block.colsBegin(), overlap.colsLower),
-           end(block.colsEnd(), overlap.colsUpper, m_view->numOfCols())},
-          offset, count);
+    return {begin(block.rowsBegin(), overlap.rowsLower),   end(block.rowsEnd(), overlap.rowsUpper, view.numOfRows()),
+            begin(block.plansBegin(), overlap.plansLower), end(block.plansEnd(), overlap.plansUpper, view.numOfPlans()),
+            begin(block.colsBegin(), overlap.colsLower),   end(block.colsEnd(), overlap.colsUpper, view.numOfCols())};
 }
 
 template <class View, class Alloc> void OuputRow<View, Alloc>::defer(long first, long last) const
@@ -144,8 +135,7 @@ InputRow<View, Alloc>& RowCacheRead<View, Alloc>::fetchRowInBlock(unsigned long 
                                                                   Block const& block, long column, long row, long plan,
                                                                   long timeSeries, long spectralSeries) const
 {
-    RowPosition const at = inImage(block, column, row, plan, timeSeries, spectralSeries);
-    return fetchRowInImage(slot, count, at.column, at.row, at.plan, at.timeSeries, at.spectralSeries);
+    return fetchRow(slot, count, inImage(block, column, row, plan, timeSeries, spectralSeries));
 }
 
 template <class View, class Alloc>
@@ -153,10 +143,7 @@ InputRow<View, Alloc>& RowCacheRead<View, Alloc>::fetchRowInImage(unsigned long 
                                                                   long row, long plan, long timeSeries,
                                                                   long spectralSeries) const
 {
-    Row& target = this->getRow(slot);
-    target.resize(count);
-    fetch(*this->m_view, target, {column, row, plan, timeSeries, spectralSeries});
-    return target;
+    return fetchRow(slot, count, {column, row, plan, timeSeries, spectralSeries});
 }
 
 template <class View, class Alloc>
@@ -165,9 +152,7 @@ OuputRow<View, Alloc>& RowCacheReadWrite<View, Alloc>::fetchRowInBlock(unsigned 
                                                                        long plan, long timeSeries,
                                                                        long spectralSeries) const
 {
-    Row& target = getRowInBlock(slot, count, block, column, row, plan, timeSeries, spectralSeries);
-    fetch(*this->m_view, target, target.getPosition());
-    return target;
+    return fetchRow(slot, count, inImage(block, column, row, plan, timeSeries, spectralSeries));
 }
 
 template <class View, class Alloc>
@@ -175,10 +160,7 @@ OuputRow<View, Alloc>&
 RowCacheReadWrite<View, Alloc>::getRowInBlock(unsigned long slot, unsigned long count, Block const& block, long column,
                                               long row, long plan, long timeSeries, long spectralSeries) const
 {
-    Row& target = this->getRow(slot);
-    target.resize(count);
-    target.setPosition(inImage(block, column, row, plan, timeSeries, spectralSeries));
-    return target;
+    return getRow(slot, count, inImage(block, column, row, plan, timeSeries, spectralSeries));
 }
 
 template <class View, class Plan> PlanSlots<View, Plan>::PlanSlots(View* view, unsigned long slots)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/private/Access/BorderCondition.h"
+#include "Core/private/Access/RowPosition.h"
 #include "Core/private/SimdVec.h"
 #include "Core/private/VoxelTypeOf.h"
 
@@ -57,6 +58,15 @@ public:
     unsigned long numOfPlans() const { return m_sizes.numOfPlans; }
     unsigned long numOfTimeSeries() const { return m_sizes.numOfTimeSeries; }
     unsigned long numOfSpectralSeries() const { return m_sizes.numOfSpectralSeries; }
+
+    /// Fills `row` with the voxels from these absolute coordinates on. What lies wholly in the image is one call into
+    /// it; anything else comes through the border condition.
+    void read(T* row, unsigned long count, RowPosition const& at) const
+    {
+        read(row, count, at.column, at.row, at.plan, at.timeSeries, at.spectralSeries);
+    }
+    void read(T* row, unsigned long count, long column, long rowIndex, long plan, long timeSeries,
+              long spectralSeries) const;
 
     bool setOriginOf(Components component, double origin) { return m_image->setOriginOf(component, origin); }
     double getOriginOf(Components component) const { return m_image->getOriginOf(component); }

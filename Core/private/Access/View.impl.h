@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/private/Access/BorderGeometry.h"
 #include "Core/private/Access/Rows.h"
 #include "Core/private/Access/View.h"
 #include "Core/private/Helper/ImageModelCheckTypeEquivalence.h"
@@ -37,6 +38,23 @@ template <class T, class Alloc>
 boost::shared_ptr<View<T, Alloc>> View<T, Alloc>::New(ImageModel* image, Condition condition)
 {
     return boost::shared_ptr<View>(new View(image, condition));
+}
+
+template <class T, class Alloc>
+void View<T, Alloc>::read(T* row, unsigned long count, long column, long rowIndex, long plan, long timeSeries,
+                          long spectralSeries) const
+{
+    auto const isIn = [](long coordinate, unsigned long size) { return static_cast<unsigned long>(coordinate) < size; };
+    bool const isInside = isIn(rowIndex, numOfRows()) && isIn(plan, numOfPlans()) &&
+                          isIn(timeSeries, numOfTimeSeries()) && isIn(spectralSeries, numOfSpectralSeries()) &&
+                          isIn(column, numOfCols()) && count <= numOfCols() - static_cast<unsigned long>(column);
+    if (!isInside)
+        m_condition->getData(m_image, row, row + count, column, rowIndex, plan, timeSeries, spectralSeries);
+    else if (count > 0 &&
+             !m_image->readRowAt(count, reinterpret_cast<unsigned char*>(row), static_cast<unsigned long>(column),
+                                 static_cast<unsigned long>(rowIndex), static_cast<unsigned long>(plan),
+                                 static_cast<unsigned long>(timeSeries), static_cast<unsigned long>(spectralSeries)))
+        throwReadError();
 }
 
 template <class T, class Alloc> unsigned long View<T, Alloc>::getNumOf(Components component) const

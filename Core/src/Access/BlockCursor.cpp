@@ -17,7 +17,11 @@ void BlockCursor::setBlock(Block3d const& block, IteratorDirection direction, lo
 void BlockCursor::start(IteratorDirection direction, long voxelsPerStep)
 {
     m_direction = direction;
-    m_lastColumn = static_cast<long>(m_block->getNbCols()) - voxelsPerStep;
+    m_origin = {static_cast<long>(m_block->colsBegin()), static_cast<long>(m_block->rowsBegin()),
+                static_cast<long>(m_block->plansBegin()), static_cast<long>(m_block->timeSeriesBegin()),
+                static_cast<long>(m_block->spectralSeriesBegin())};
+    m_rowLength = m_block->getNbCols();
+    m_lastColumn = static_cast<long>(m_rowLength) - voxelsPerStep;
     m_lastRow = static_cast<long>(m_block->getNbRows()) - 1;
     m_lastPlan = static_cast<long>(m_block->getNbPlans()) - 1;
     bool const forward = direction == Forward;

@@ -27,6 +27,7 @@ InMemoryImage::InMemoryImage()
     , spacings{}
     , interpretation(QEL_VALUE)
     , buffer(nullptr)
+    , voxelSize(sizeOfVoxelType(QEL_UINT8))
 {}
 
 InMemoryImage::InMemoryImage(InMemoryImage const& other)
@@ -41,14 +42,15 @@ InMemoryImage& InMemoryImage::operator=(InMemoryImage const& other)
         return *this;
     std::unique_ptr<unsigned char[]> copy;
     if (other.buffer != nullptr) {
-        unsigned long const numOfBytes = other.sizes[0] * other.sizes[1] * other.sizes[2] * other.sizes[3] *
-                                         other.sizes[4] * sizeOfVoxelType(other.voxelType);
+        unsigned long const numOfBytes =
+            other.sizes[0] * other.sizes[1] * other.sizes[2] * other.sizes[3] * other.sizes[4] * other.voxelSize;
         copy.reset(new unsigned char[numOfBytes]);
         std::memcpy(copy.get(), other.buffer, numOfBytes);
     }
     spatialUnitName = other.spatialUnitName;
     temporalUnitName = other.temporalUnitName;
     voxelType = other.voxelType;
+    voxelSize = other.voxelSize;
     std::copy(other.sizes, other.sizes + 5, sizes);
     std::copy(other.origins, other.origins + 5, origins);
     std::copy(other.spacings, other.spacings + 5, spacings);
@@ -143,7 +145,7 @@ bool InMemoryImage::readRowAt(unsigned long numOfVoxels, unsigned char* destinat
     unsigned char const* source = nullptr;
     if (!getConstRowAt(numOfVoxels, source, column, row, plan, time, spectral))
         return false;
-    std::memmove(destination, source, numOfVoxels * sizeOfVoxelType(voxelType));
+    std::memmove(destination, source, numOfVoxels * voxelSize);
     return true;
 }
 
@@ -154,7 +156,7 @@ bool InMemoryImage::writeRowAt(unsigned long numOfVoxels, unsigned char const* s
     if (!getRowAt(numOfVoxels, destination, column, row, plan, time, spectral))
         return false;
     // A caller may hand back the row that it got from this image.
-    std::memmove(destination, source, numOfVoxels * sizeOfVoxelType(voxelType));
+    std::memmove(destination, source, numOfVoxels * voxelSize);
     return true;
 }
 
@@ -170,7 +172,7 @@ bool InMemoryImage::getRowAt(unsigned long numOfVoxels, unsigned char*& row, uns
     unsigned long const voxel =
         (((spectral * sizes[TIME_SERIES] + time) * sizes[PLANS] + plan) * sizes[ROWS] + rowIndex) * sizes[COLUMNS] +
         column;
-    row = buffer + voxel * sizeOfVoxelType(voxelType);
+    row = buffer + voxel * voxelSize;
     return true;
 }
 
@@ -197,6 +199,7 @@ bool InMemoryImage::reserve(VoxelTypes const& type, unsigned long columns, unsig
     std::fill(sizes, sizes + 5, 0ul);
     buffer = new unsigned char[numOfBytes];
     voxelType = type;
+    voxelSize = sizeOfVoxelType(type);
     sizes[COLUMNS] = columns;
     sizes[ROWS] = rows;
     sizes[PLANS] = plans;

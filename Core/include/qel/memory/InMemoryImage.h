@@ -75,6 +75,7 @@ private:
     String temporalUnitName;
     Interpretations interpretation;
     unsigned char* buffer;
+    unsigned long voxelSize; // in bytes, of voxelType
 };
 
 } // namespace qel::memory
