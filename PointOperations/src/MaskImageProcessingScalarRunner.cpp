@@ -6,6 +6,8 @@
 
 #include <qel/point_operations/MaskImageProcessing.h>
 
+#include <type_traits>
+
 namespace qel::point_operations {
 
 namespace {
@@ -16,10 +18,10 @@ struct MaskImageProcessingDispatcher
     /// for the four types.
     template <class T> static void run(MaskImageProcessing* mask)
     {
-        if (helper::getSizeOf(mask->inputBinary.get()->getVoxelType()) == 1)
-            maskBy<T, unsigned char>(*mask);
-        else
-            maskBy<T, unsigned short>(*mask);
+        auto const maskByType = [mask]<class Mask>(std::type_identity<Mask>) {
+            maskBy<T, std::make_unsigned_t<Mask>>(*mask);
+        };
+        tmpl_dispatch::visitType<BinaryVoxelTypes>(mask->inputBinary.get()->getVoxelType(), maskByType);
     }
 
     template <class T, class Mask> static void maskBy(MaskImageProcessing& mask)
