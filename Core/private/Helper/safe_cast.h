@@ -20,7 +20,7 @@ template <class Target, class Source> Target safe_cast(Source* source)
 {
     Target const target = dynamic_cast<Target>(source);
     if (target == nullptr)
-        QEL_THROW(UnexpectedError, "bad cast when casting " << plainTypeName(typeid(Source*)) << " into target "
+        QEL_THROW(UnexpectedError, "bad cast when casting " << plainTypeName(typeid(Source*)) << " into "
                                                             << plainTypeName(typeid(Target)));
     return target;
 }
