@@ -67,6 +67,9 @@ protected:
     BaseAlgorithm* owner;
 
 private:
+    /// Forgets the child alone, with `links` held: the chain above stays.
+    void clearChild();
+
     BaseAlgorithm* childAlgorithm = nullptr;
     AbstractPrivateImplementation* childImplementation = nullptr;
     AbstractPrivateImplementation* parentImplementation = nullptr;

@@ -55,20 +55,29 @@ double AbstractPrivateImplementation::getProgress() const
 
 void AbstractPrivateImplementation::setCurrentChild(BaseAlgorithm* child)
 {
-    removeChild();
     std::lock_guard const guard(links);
+    clearChild();
     childAlgorithm = child;
 }
 
 void AbstractPrivateImplementation::setCurrentChild(AbstractPrivateImplementation* child)
 {
-    removeChild();
-    {
-        std::lock_guard const guard(links);
-        childImplementation = child;
-    }
-    std::lock_guard const guard(child->links);
+    std::lock_guard const guard(links);
+    clearChild();
+    childImplementation = child;
+    std::lock_guard const childGuard(child->links);
     child->parentImplementation = this;
+}
+
+void AbstractPrivateImplementation::clearChild()
+{
+    if (childImplementation) {
+        // Else its end would take away the child that comes after it.
+        std::lock_guard const guard(childImplementation->links);
+        childImplementation->parentImplementation = nullptr;
+    }
+    childAlgorithm = nullptr;
+    childImplementation = nullptr;
 }
 
 void AbstractPrivateImplementation::removeChild()

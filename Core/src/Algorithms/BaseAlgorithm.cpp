@@ -1,5 +1,6 @@
 #include <qel/BaseAlgorithm.h>
 
+#include "Core/private/AbstractPrivateImplementation.h"
 #include "Core/private/AlgoInfoPrivate.h"
 #include "Core/private/BaseAlgorithmPrivate.h"
 #include "Core/private/Runnable.h"
@@ -18,7 +19,11 @@ namespace qel {
 
 BaseAlgorithm::BaseAlgorithm(algorithms::AbstractPrivateImplementation* parent)
     : m_private(new algorithms::BaseAlgorithmPrivate(this, parent))
-{}
+{
+    // Only now: from here on other threads reach this object through its parent.
+    if (parent)
+        parent->setCurrentChild(this);
+}
 
 BaseAlgorithm::~BaseAlgorithm() { delete m_private; }
 

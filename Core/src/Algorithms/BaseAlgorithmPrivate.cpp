@@ -11,9 +11,11 @@
 #include <qel/Exception.h>
 #include <qel/algorithms/InteractionInterface.h>
 
+#include <tbb/global_control.h>
 #include <tbb/task_arena.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <future>
 #include <memory>
@@ -25,10 +27,7 @@ BaseAlgorithmPrivate::BaseAlgorithmPrivate(BaseAlgorithm* algorithm,
                                            AbstractPrivateImplementation* parentImplementation)
     : publicAlgorithm(algorithm)
     , parent(parentImplementation)
-{
-    if (parent)
-        parent->setCurrentChild(algorithm);
-}
+{}
 
 BaseAlgorithmPrivate::~BaseAlgorithmPrivate()
 {
@@ -52,7 +51,6 @@ void BaseAlgorithmPrivate::runInternal()
     {
         std::lock_guard const guard(mutex);
         lastProgress = 0;
-        cancelRequested = false;
     }
     if (!autoCpuDispatch) {
         if (runFor(optimLevel))
@@ -85,27 +83,50 @@ bool BaseAlgorithmPrivate::runFor(OptimLevelType level)
 void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
 {
     using namespace std::chrono;
+    // The request holds for this run alone. It is withdrawn here, not by the task: the host may be quicker than that.
+    struct Withdraw
+    {
+        BaseAlgorithmPrivate& algorithm;
+        ~Withdraw()
+        {
+            std::lock_guard const guard(algorithm.mutex);
+            algorithm.cancelRequested = false;
+        }
+    } const withdraw{*this};
+
     auto const cap = [](unsigned short period) { return milliseconds(std::min<unsigned short>(period, 100)); };
 
-    auto const promise = std::make_shared<std::promise<void>>();
-    std::future<void> done = promise->get_future();
-    // As many workers as a run on this thread would get, and one where there would be none: an enqueued task is never
-    // left to starve.
-    tbb::task_arena arena(tbb::this_task_arena::max_concurrency());
-    arena.enqueue([this, &host, promise] {
+    struct Task
+    {
+        std::atomic<bool> isTaken{false};
+        std::promise<void> end;
+    };
+    auto const task = std::make_shared<Task>();
+    std::future<void> done = task->end.get_future();
+    auto const work = [this, &host, task] {
+        if (task->isTaken.exchange(true))
+            return;
         try {
             runInternal(&host);
-            promise->set_value();
+            task->end.set_value();
         } catch (...) {
-            promise->set_exception(std::current_exception());
+            task->end.set_exception(std::current_exception());
         }
-    });
+    };
+    // As many workers as a run on this thread would get, but no more than are allowed by now, which would be a warning
+    // on the host's terminal; and one where there would be none: an enqueued task is never left to starve.
+    int const allowed =
+        static_cast<int>(tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
+    tbb::task_arena arena(std::min(tbb::this_task_arena::max_concurrency(), allowed));
+    arena.enqueue(work);
 
     try {
         auto const progressPeriod = cap(host.getProgressPeriod());
         auto const cancelPeriod = cap(host.getCancelPeriod());
         auto progressDeadline = steady_clock::now() + progressPeriod;
         auto cancelDeadline = steady_clock::now() + cancelPeriod;
+        // A host may poll on every thread that the scheduler has. Then nobody is left for the work but these.
+        auto const patienceEnds = steady_clock::now() + seconds(1);
         while (done.wait_for(seconds(0)) != std::future_status::ready) {
             std::this_thread::sleep_for(milliseconds(20));
             auto const now = steady_clock::now();
@@ -121,13 +142,17 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
                 host.updateProgress(getProgress());
                 progressDeadline = now + progressPeriod;
             }
+            if (now > patienceEnds)
+                work();
         }
     } catch (...) {
         // The host itself failed. The task works on this algorithm, so it ends before anything is let go.
         cancelRun();
+        work();
         done.wait();
         throw;
     }
+    work();
     done.get();
 }
 
@@ -151,7 +176,8 @@ void BaseAlgorithmPrivate::setImplementation(AbstractPrivateImplementation* impl
 {
     std::lock_guard const guard(mutex);
     impl = implementation;
-    if (impl && cancelRequested)
+    // A child that starts after its composite was cancelled hears of it here: nobody else tells it.
+    if (impl && (cancelRequested || (parent && parent->isCancelled())))
         impl->markCancelled();
 }
 
