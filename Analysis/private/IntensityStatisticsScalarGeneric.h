@@ -7,20 +7,24 @@
 
 namespace qel::analysis {
 
-/// Sum and sum of squares of one row. Narrow integers add up exactly in 64 bits; all others in doubles, side by side in
-/// a fixed order.
+/// Sum and sum of squares of one row. Narrow integers add up exactly, in chunks that fit narrow totals; all others in
+/// doubles, side by side in a fixed order.
 template <class T> void addRow(T const* row, std::size_t voxels, double& sum, double& sumOfSquares)
 {
     if constexpr (std::is_integral_v<T> && sizeof(T) <= 2) {
-        long total = 0;
-        unsigned long squares = 0;
-        for (std::size_t x = 0; x < voxels; ++x) {
-            int const voxel = row[x];
-            total += voxel;
-            squares += static_cast<unsigned int>(voxel) * static_cast<unsigned int>(voxel);
+        constexpr std::size_t chunk = 32768;
+        for (std::size_t begin = 0; begin < voxels; begin += chunk) {
+            std::size_t const end = std::min(voxels, begin + chunk);
+            int total = 0;
+            std::conditional_t<sizeof(T) == 1, unsigned int, unsigned long> squares = 0;
+            for (std::size_t x = begin; x < end; ++x) {
+                int const voxel = row[x];
+                total += voxel;
+                squares += static_cast<unsigned int>(voxel) * static_cast<unsigned int>(voxel);
+            }
+            sum += total;
+            sumOfSquares += static_cast<double>(squares);
         }
-        sum += static_cast<double>(total);
-        sumOfSquares += static_cast<double>(squares);
     } else {
         constexpr std::size_t lanes = 8;
         double totals[lanes] = {};

@@ -2,6 +2,9 @@
 
 #include "Core/private/ImageToQuantificationFilter.h"
 #include "Core/private/PartitionerInfoFixed.h"
+#include "Core/private/storeResult.h"
+
+#include <qel/Scalar.h>
 
 #include <boost/make_shared.hpp>
 
@@ -16,6 +19,14 @@ void measure(BaseAlgorithm& owner, ImageModel const* input, ConditionOf<T> condi
     filter.setPartitionerInformation(boost::make_shared<PartitionerInfoFixed>(8192, 64, 16));
     filter.setInput(input, condition);
     filter.run();
+}
+
+/// Both zeros of the reals become +0: which of them was met first would tell one level from the other.
+template <class Algorithm, class Body> void storeExtrema(Algorithm& owner, Body const& body)
+{
+    using T = decltype(body.minimum);
+    storeResult(owner.outputMinimum, Scalar(static_cast<T>(body.minimum + T(0))));
+    storeResult(owner.outputMaximum, Scalar(static_cast<T>(body.maximum + T(0))));
 }
 
 } // namespace qel::analysis

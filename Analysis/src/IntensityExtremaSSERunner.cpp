@@ -4,7 +4,6 @@
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Helper/safe_cast.h"
 #include "Core/private/TypeDispatch.h"
-#include "Core/private/storeResult.h"
 
 #include <qel/analysis/IntensityExtrema.h>
 #include <qel/devices/Cpu.h>
@@ -23,8 +22,7 @@ struct IntensityExtremaSSEDispatcher
     {
         IntensityExtremaSIMDGeneric<T, xsimd::sse4_1> body;
         measure<T, SimdVec::arch_128_tag>(*extrema, extrema->input, access::ContinueBorderCondition<T>::New(), body);
-        storeResult(extrema->outputMinimum, Scalar(body.minimum));
-        storeResult(extrema->outputMaximum, Scalar(body.maximum));
+        storeExtrema(*extrema, body);
     }
 };
 

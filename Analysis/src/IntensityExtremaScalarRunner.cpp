@@ -4,7 +4,6 @@
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/ScalarRunner.h"
 #include "Core/private/TypeDispatch.h"
-#include "Core/private/storeResult.h"
 
 #include <qel/analysis/IntensityExtrema.h>
 
@@ -19,8 +18,7 @@ struct IntensityExtremaScalarDispatcher
         IntensityExtremaScalarGeneric<T> body;
         measure<T, SimdVec::arch_scalar_tag>(*extrema, extrema->input, access::FixedBorderCondition<T>::New(T(0)),
                                              body);
-        storeResult(extrema->outputMinimum, Scalar(body.minimum));
-        storeResult(extrema->outputMaximum, Scalar(body.maximum));
+        storeExtrema(*extrema, body);
     }
 };
 

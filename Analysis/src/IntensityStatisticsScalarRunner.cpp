@@ -19,8 +19,7 @@ struct IntensityStatisticsScalarDispatcher
         IntensityStatisticsScalarGeneric<T> body;
         measure<T, SimdVec::arch_scalar_tag>(*statistics, statistics->input, access::FixedBorderCondition<T>::New(T(0)),
                                              body);
-        storeResult(statistics->outputMinimum, Scalar(body.minimum));
-        storeResult(statistics->outputMaximum, Scalar(body.maximum));
+        storeExtrema(*statistics, body);
         storeResult(statistics->outputMean, Scalar(body.mean));
         storeResult(statistics->outputSumOfIntensityValues, Scalar(body.sum));
         storeResult(statistics->outputSumOfSquaredIntensityValues, Scalar(body.sumOfSquares));
