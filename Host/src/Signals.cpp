@@ -37,12 +37,13 @@ void install()
     action.sa_handler = handle;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
-    for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
-        // What the parent chose to ignore (nohup, a background job of a script) stays ignored.
-        struct sigaction before = {};
-        if (sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
-            sigaction(number, &action, nullptr);
-    }
+    // A shell starts background jobs of a script with SIGINT ignored; a `kill -INT` from that script is meant all the
+    // same. What nohup says of SIGHUP stays.
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    struct sigaction before = {};
+    if (sigaction(SIGHUP, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+        sigaction(SIGHUP, &action, nullptr);
     std::signal(SIGXFSZ, SIG_IGN);
 }
 

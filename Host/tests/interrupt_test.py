@@ -52,6 +52,16 @@ class InterruptTest(HostTest):
         self.assertNotIn(b"error", rest)
         self.assertNotIn(b"100 %", rest)
 
+    def test_a_background_job_of_a_script_can_be_interrupted(self):
+        script = subprocess.Popen(["sh", "-c", '"$0" convert in.qeli out.tif & echo $!; wait $!', QUELIDE],
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE, cwd=self.folder)
+        self.addCleanup(script.stdout.close)
+        self.addCleanup(script.stderr.close)
+        number = int(script.stdout.readline())
+        self.wait_for_temporary_file(script)
+        os.kill(number, signal.SIGINT)
+        self.finish(script, 130)
+
     def test_a_run_that_writes_a_file(self):
         process = self.start("run", "BitShift", "input=in.qeli", "shiftCount=1", "output=out.tif", "--threads=1",
                              "--progress")
