@@ -31,7 +31,7 @@ for path in project.files(".md"):
             problems.append(f"{project.name(path)}: quelide {command} is no command")
     for script in re.findall(r"(?<![\w./])\.?(?:\w+/)+[\w-]+\.(?:sh|py|cpp|h|md)\b", code):
         checked += 1
-        if not (project.ROOT / script).exists() and not (path.parent / script).exists() and not script.startswith("qel/"):
+        if not (project.ROOT / script).exists() and not (path.parent / script).exists() and not script.startswith(("qel/", "tbb/")):
             problems.append(f"{project.name(path)}: no file {script}")
     for link in re.findall(r"\]\(([^)#\s]+)[^)]*\)", text):
         if "://" not in link:
