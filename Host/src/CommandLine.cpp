@@ -9,6 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <functional>
 
@@ -59,7 +60,9 @@ struct Command
 
 void refuseLeftovers(CLI::App const& command)
 {
-    std::vector<std::string> const extras = command.remaining();
+    std::vector<std::string> extras = command.remaining();
+    // The word that ends the options is none itself.
+    extras.erase(std::remove(extras.begin(), extras.end(), "--"), extras.end());
     if (extras.empty())
         return;
     std::string const& word = extras.front();

@@ -106,6 +106,10 @@ class OtherTest(HostTest):
         self.assertIn('"more"', self.refused("list", "more"))
         self.assertIn('"c.png"', self.refused("convert", "a.png", "b.png", "c.png"))
         self.assertIn('"more"', self.refused("cpu", "more"))
+        self.assertIn('"more"', self.refused("cpu", "--", "more"))
+
+    def test_two_dashes_end_the_options(self):
+        self.assertEqual(self.good("info", "Threshold").out, self.good("info", "--", "Threshold").out)
 
 
 if __name__ == "__main__":
