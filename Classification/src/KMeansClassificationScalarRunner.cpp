@@ -1,9 +1,11 @@
+#include "Classification/private/KMeansHistogram.h"
 #include "Classification/private/KMeansScalarGeneric.h"
 #include "Core/private/Access/FixedBorderCondition.h"
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/ImageModelSizeProxy.h"
 #include "Core/private/ImageToImageFilter.h"
 #include "Core/private/ImageToQuantificationFilter.h"
+#include "Core/private/ManyToManyImageFilter.h"
 #include "Core/private/PartitionerInfoDefault.h"
 #include "Core/private/ScalarRunner.h"
 #include "Core/private/Throw.h"
@@ -68,6 +70,7 @@ public:
         , m_numOfComponents(m_input->getNumOf(SPECTRAL_SERIES))
     {}
 
+    /// `T`: the type to compute in. Any number of components.
     template <class T> void run()
     {
         Publication const publication(*this);
@@ -75,8 +78,43 @@ public:
         if (!drawCenters())
             return;
         ImageModelAdapter const adapter(m_input, VoxelTypeOf<T>::value);
-        if (iterate<T>(adapter.getImage()))
-            label<T>(adapter.getImage());
+        std::vector<unsigned char> const pattern = sample();
+        auto const fromVoxels = [&] {
+            using Body = ComputeCentersAssociatedValues<T>;
+            Body body(m_centers, pattern);
+            ImageToQuantificationFilter3d<T, SimdVec::arch_scalar_tag, Body> filter(nullptr, &body);
+            filter.setProcessingRegion(region());
+            filter.setInput(adapter.getImage(), access::FixedBorderCondition<T>::New(T(0)));
+            return runChild(filter);
+        };
+        if (iterate(fromVoxels))
+            label<T>(adapter.getImage(), ApplyLabel<T>(m_centers));
+    }
+
+    /// One component of 8 or 16 bits, of the image's own type: the iterations run on its histogram.
+    template <class T> void runOnHistogram()
+    {
+        Publication const publication(*this);
+        setNumOfSteps(1 + 1 + maxNumOfIterations + 1);
+        if (!drawCenters())
+            return;
+        std::vector<unsigned char> const pattern = sample();
+        using Body = ComputeHistogram<T>;
+        Body body(pattern);
+        ManyToManyImageFilter3d<boost::mpl::vector<T>, boost::mpl::vector<>, SimdVec::arch_scalar_tag, Body> filter(
+            nullptr, &body);
+        filter.setBlocksAreFixed(!pattern.empty());
+        filter.template setInput<0>(m_input, access::FixedBorderCondition<T>::New(T(0)));
+        if (!runChild(filter))
+            return;
+        nextStep();
+        auto const counts = body.total();
+        auto const fromHistogram = [&] {
+            computeCenters<T>(m_centers, counts);
+            return !isCancelled();
+        };
+        if (iterate(fromHistogram))
+            label<T>(m_input, ApplyLabelOfValue<T>(m_centers));
     }
 
 private:
@@ -123,20 +161,27 @@ private:
         return true;
     }
 
-    template <class T> bool iterate(ImageModel const* image)
+    std::vector<unsigned char> sample() const
     {
-        using Body = ComputeCentersAssociatedValues<T>;
-        std::vector<unsigned char> const sample =
-            samplePattern(m_kMeans.preComputingDataPercent, largestBlockOf(PartitionerInfoDefault()));
+        AbstractPartitionerPolicy::PartitionerGrainSizes grains;
+        PartitionerInfoDefault().getPartitionerGrainSizes(grains, access::Region());
+        return samplePattern(m_kMeans.preComputingDataPercent, grains.grainCols * grains.grainRows * grains.grainPlans);
+    }
+
+    /// False if the run was cancelled.
+    template <class Filter> bool runChild(Filter& filter)
+    {
+        setCurrentChild(&filter);
+        filter.run();
+        removeChild();
+        return !isCancelled();
+    }
+
+    /// `compute` finds the new centres. False if the run was cancelled.
+    template <class Compute> bool iterate(Compute const& compute)
+    {
         for (unsigned long iteration = 1;; ++iteration) {
-            Body body(m_centers, sample);
-            ImageToQuantificationFilter3d<T, SimdVec::arch_scalar_tag, Body> filter(nullptr, &body);
-            filter.setProcessingRegion(region());
-            filter.setInput(image, access::FixedBorderCondition<T>::New(T(0)));
-            setCurrentChild(&filter);
-            filter.run();
-            removeChild();
-            if (isCancelled())
+            if (!compute())
                 return false;
             nextStep();
             pullEmptyClasses();
@@ -144,11 +189,10 @@ private:
             for (Center const& center : m_centers)
                 move = std::max(move, squaredDistance(center.newCentre, center.centre));
             if (!(move > 400.0 && iteration < maxNumOfIterations))
-                break;
+                return true;
             for (Center& center : m_centers)
                 center.centre = center.newCentre;
         }
-        return true;
     }
 
     /// Towards the largest class, where they come to life again.
@@ -163,25 +207,14 @@ private:
                     center.newCentre[component] = (center.centre[component] + largest.centre[component]) / 2.0;
     }
 
-    template <class T> void label(ImageModel const* image)
+    template <class T, class Body> void label(ImageModel const* image, Body body)
     {
-        using Body = ApplyLabel<T>;
-        Body body(m_centers);
         ImageModelAdapter const output(m_kMeans.classifiedImage, QEL_UINT32);
         ImageToImageFilter3d<T, unsigned int, SimdVec::arch_scalar_tag, Body> filter(nullptr, &body);
         filter.setProcessingRegion(region());
         filter.setInput(image, access::FixedBorderCondition<T>::New(T(0)));
         filter.setOutput(output.getImage(), access::FixedBorderCondition<unsigned int>::New(0u));
-        setCurrentChild(&filter);
-        filter.run();
-        removeChild();
-    }
-
-    static unsigned long largestBlockOf(AbstractPartitionerPolicy const& policy)
-    {
-        AbstractPartitionerPolicy::PartitionerGrainSizes grains;
-        policy.getPartitionerGrainSizes(grains, access::Region());
-        return grains.grainCols * grains.grainRows * grains.grainPlans;
+        runChild(filter);
     }
 
     KMeansClassification& m_kMeans;
@@ -209,11 +242,16 @@ class ScalarKMeansClassificationRunner : public ScalarRunner<KMeansClassificatio
     {
         shapeOutput(kMeans);
         KMeansImplementation implementation(kMeans);
+        bool const hasOneComponent = kMeans.input.get()->getNumOf(SPECTRAL_SERIES) == 1;
         switch (kMeans.input.get()->getVoxelType()) {
         case QEL_UINT8:
+            return hasOneComponent ? implementation.runOnHistogram<unsigned char>() : implementation.run<float>();
         case QEL_UINT16:
+            return hasOneComponent ? implementation.runOnHistogram<unsigned short>() : implementation.run<float>();
         case QEL_INT8:
+            return hasOneComponent ? implementation.runOnHistogram<signed char>() : implementation.run<float>();
         case QEL_INT16:
+            return hasOneComponent ? implementation.runOnHistogram<short>() : implementation.run<float>();
         case QEL_FLOAT32:
             return implementation.run<float>();
         default:
