@@ -1,0 +1,46 @@
+#include <qel/filtering/smoothing/BoxFilter3D.h>
+
+#include "Core/private/DefineAlgorithm.h"
+#include "Core/private/Rules/Asserts.h"
+#include "Core/private/Rules/RuleOfOneRun.h"
+#include "Filtering/private/computeWorkType.h"
+
+namespace qel::filtering::smoothing {
+
+QEL_DEFINE_ALGORITHM(BoxFilter3D)
+
+void BoxFilter3D::init()
+{
+    addInput(&input);
+    declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING, ASSERT_BINARY_OR_VALUE);
+    addInput(&boxSize);
+    declare(boxSize, "boxSize", math::Vector3<unsigned int>(3, 3, 3));
+    addInput(&normalize);
+    declare(normalize, "normalize", true);
+    addOutput(&output);
+    declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeAndCalibration(&input),
+            AddRuleEnforceInterpretation(QEL_VALUE));
+}
+
+AlgoBorderInfluence BoxFilter3D::getAlgoBorderInfluence() const
+{
+    math::Vector3<unsigned int> const size = boxSize;
+    return AlgoBorderInfluence(size[0] / 2, size[1] / 2, size[2] / 2, 0, 0);
+}
+
+void BoxFilter3D::applyAllRules()
+{
+    auto const addType = [this](Property<ImageModel*>& property) {
+        math::Vector3<unsigned int> const size = boxSize;
+        if (normalize)
+            AddRuleEnforceSameType{&input}(property);
+        else if (input.get())
+            AddRuleEnforceType{
+                details::computeWorkType(input.get()->getVoxelType(),
+                                         details::productOf(details::productOf(size[0], size[1]), size[2]))}(property);
+    };
+    RuleOfOneRun const type(output, addType);
+    BaseAlgorithm::applyAllRules();
+}
+
+} // namespace qel::filtering::smoothing
