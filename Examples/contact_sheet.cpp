@@ -114,6 +114,10 @@ try {
     qel::memory::InMemoryImage mask;
     qel::memory::InMemoryImage sheet;
     load(argv[1], image);
+    if (image.getNumOf(qel::COLUMNS) * image.getNumOf(qel::ROWS) * image.getNumOf(qel::PLANS) == 0) {
+        std::cerr << argv[1] << " has no voxels\n";
+        return 1;
+    }
     if (argc == 6)
         load(argv[5], mask);
     drawSheet(image, argc == 6 ? &mask : nullptr, std::atof(argv[3]), std::atof(argv[4]), sheet);
