@@ -75,7 +75,8 @@ template <class DimTag, class Body, class Filter>
 void runBody(Body& body, Filter& filter, DimTag, FilterWithReductionTag)
 {
     TbbBodyWithReduction<BlockOf<DimTag>, Body, Filter> task(body, filter);
-    if (access::runSlices(filter, task))
+    // The end of the last slice may be where the cancellation comes.
+    if (access::runSlices(filter, task) && !filter.isCancelled())
         body.finalize();
 }
 

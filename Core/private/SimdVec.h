@@ -12,7 +12,8 @@ struct arch_scalar_tag
 struct arch_128_tag
 {};
 
-/// Memory whose first element stands at a multiple of `Alignment` bytes.
+/// Memory whose first element stands at a multiple of `Alignment` bytes. `Alignment` more bytes follow the last one:
+/// the last packet of a row may hang over its end.
 template <class T, std::size_t Alignment> class AlignedAllocator
 {
 public:
@@ -27,7 +28,7 @@ public:
 
     T* allocate(std::size_t count)
     {
-        return static_cast<T*>(::operator new(count * sizeof(T), std::align_val_t(Alignment)));
+        return static_cast<T*>(::operator new(count * sizeof(T) + Alignment, std::align_val_t(Alignment)));
     }
     void deallocate(T* memory, std::size_t) { ::operator delete(memory, std::align_val_t(Alignment)); }
 

@@ -203,7 +203,7 @@ template <class Condition> bool waitUntil(Condition&& condition)
     return true;
 }
 
-class Host : public algorithms::InteractionInterface
+class Host final : public algorithms::InteractionInterface
 {
 public:
     void updateProgress(double percent) override

@@ -16,6 +16,7 @@
 
 namespace qel::access {
 
+class FrozenImage;
 template <class View, class Alloc> class OuputRow;
 template <class View, class Alloc> class RowCacheRead;
 template <class View, class Alloc> class RowCacheReadWrite;
@@ -80,7 +81,8 @@ public:
     Condition const& getBorderCondition() const { return m_condition; }
     void setBorderCondition(Condition condition) { m_condition = condition; }
     ImageModel* getInterface() const { return m_image; }
-    void recomputeCache() { m_sizes.recompute(m_image); }
+    /// After the image's `reserve`. Throws UnexpectedError where its voxel type is not `T` any more.
+    void recomputeCache();
     Region getLargestPossibleRegion() const;
 
     boost::shared_ptr<RowCacheRead<View, Alloc>> createRowCacheRead(unsigned long slots) const;
@@ -101,6 +103,7 @@ private:
     Condition m_condition;
     tbb::concurrent_vector<boost::shared_ptr<Row>> m_temporized;
     DataInterfaceCache m_sizes;
+    boost::shared_ptr<FrozenImage const> m_frozen; // for the border condition
 };
 
 template <class T> using PacketView = View<T, SimdVec::PacketAllocator<T>>;

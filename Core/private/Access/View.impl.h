@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/private/Access/BorderGeometry.h"
+#include "Core/private/Access/FrozenImage.h"
 #include "Core/private/Access/Rows.h"
 #include "Core/private/Access/View.h"
 #include "Core/private/Helper/ImageModelCheckTypeEquivalence.h"
@@ -23,8 +24,15 @@ View<T, Alloc>::View(ImageModel* image, Condition condition)
     : m_image(image)
     , m_condition(condition)
 {
-    helper::ImageModelCheckTypeEquivalence<T>(*image);
-    m_sizes.recompute(image);
+    recomputeCache();
+}
+
+template <class T, class Alloc> void View<T, Alloc>::recomputeCache()
+{
+    helper::ImageModelCheckTypeEquivalence<T>(*m_image);
+    m_sizes.recompute(m_image);
+    m_frozen = boost::make_shared<FrozenImage>(m_image, numOfCols(), numOfRows(), numOfPlans(), numOfTimeSeries(),
+                                               numOfSpectralSeries(), VoxelTypeOf<T>::value);
 }
 
 template <class T, class Alloc>
@@ -49,7 +57,7 @@ void View<T, Alloc>::read(T* row, unsigned long count, long column, long rowInde
                           isIn(timeSeries, numOfTimeSeries()) && isIn(spectralSeries, numOfSpectralSeries()) &&
                           isIn(column, numOfCols()) && count <= numOfCols() - static_cast<unsigned long>(column);
     if (!isInside)
-        m_condition->getData(m_image, row, row + count, column, rowIndex, plan, timeSeries, spectralSeries);
+        m_condition->getData(m_frozen.get(), row, row + count, column, rowIndex, plan, timeSeries, spectralSeries);
     else if (count > 0 &&
              !m_image->readRowAt(count, reinterpret_cast<unsigned char*>(row), static_cast<unsigned long>(column),
                                  static_cast<unsigned long>(rowIndex), static_cast<unsigned long>(plan),
