@@ -47,10 +47,12 @@ private:
     /// Cancels the polled run, also one whose implementation does not exist yet.
     void cancelRun();
     bool runFor(OptimLevelType level);
+    void report(InteractionInterface& host);
 
     AbstractPrivateImplementation* impl = nullptr;
     InteractionInterface* interaction = nullptr;
-    std::mutex mutex; // guards impl, and with it the calculation of progress
+    std::mutex mutex;   // guards impl, and with it the calculation of progress
+    std::mutex reports; // held while a host is told its progress: a polled run tells it on two threads
     double lastProgress = 0;
     bool cancelRequested = false;
     AbstractPrivateImplementation* parent;

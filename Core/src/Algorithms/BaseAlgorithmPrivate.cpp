@@ -75,7 +75,7 @@ bool BaseAlgorithmPrivate::runFor(OptimLevelType level)
 
     (*runner)->run(publicAlgorithm);
     if (interaction)
-        interaction->updateProgress(getProgress());
+        report(*interaction);
     setImplementation(nullptr);
     return true;
 }
@@ -94,6 +94,11 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
         }
     } const withdraw{*this};
 
+    {
+        // Not left to the task: the first report may come before it, and is not about the run before.
+        std::lock_guard const guard(mutex);
+        lastProgress = 0;
+    }
     auto const cap = [](unsigned short period) { return milliseconds(std::min<unsigned short>(period, 100)); };
 
     struct Task
@@ -139,7 +144,7 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
                 cancelDeadline = now + progressPeriod;
             }
             if (now > progressDeadline) {
-                host.updateProgress(getProgress());
+                report(host);
                 progressDeadline = now + progressPeriod;
             }
             if (now > patienceEnds)
@@ -170,6 +175,13 @@ double BaseAlgorithmPrivate::getProgress()
     if (impl)
         lastProgress = impl->getProgress();
     return lastProgress;
+}
+
+void BaseAlgorithmPrivate::report(InteractionInterface& host)
+{
+    // Asked and told in one go: else the host could hear of the end first, and of an earlier state after it.
+    std::lock_guard const guard(reports);
+    host.updateProgress(getProgress());
 }
 
 void BaseAlgorithmPrivate::setImplementation(AbstractPrivateImplementation* implementation)
