@@ -16,6 +16,7 @@
 #include <tbb/parallel_for.h>
 #include <tbb/task_group.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -954,7 +955,9 @@ TEST_F(BaseAlgorithmTest, aPolledRunWorksOnAnotherThread)
         probe->run(&host);
         EXPECT_TRUE(isElsewhere);
     });
-    EXPECT_NE(host.reporters().back(), caller);
+    // The last report of each run comes from there; the poller may still add one of its own.
+    auto const reporters = host.reporters();
+    EXPECT_GE(std::count_if(reporters.begin(), reporters.end(), [&](auto id) { return id != caller; }), 2);
 }
 
 TEST_F(BaseAlgorithmTest, periodsAboveHundredMillisecondsCountAsHundred)
