@@ -170,7 +170,7 @@ class ConvertTest(HostTest):
 
     def test_a_raw_image_that_cannot_be_read_is_told_in_the_words_of_the_library(self):
         error = self.failed("convert", "missing.qeli", "out.png")
-        self.assertRegex(error, '^Runtime error :\n#1 Error : Cannot read the file: "?missing.qeli"?[.]\t System error: '
+        self.assertRegex(error, '^Runtime error :\n#1 Error : Cannot read the file: missing.qeli[.]\t System error: '
                          "No such file or directory \n#2 From LoadQelRawImage \n$")
         self.assertIn("missing.png", self.failed("convert", "missing.png", "out.png"))
 

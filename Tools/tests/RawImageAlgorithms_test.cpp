@@ -118,8 +118,8 @@ TEST_F(RawImageAlgorithms, nameThemselvesInAFailureAndRunAgain)
     save->input = &image;
     save->filePath = String((folder / "no/image").c_str());
     EXPECT_QEL_WHAT(save->run(), RuntimeError,
-                    "Runtime error :\n#1 Error : Cannot create or open the file \"" + (folder / "no/image") +
-                        "\" \n#2 From SaveQelRawImage \n");
+                    "Runtime error :\n#1 Error : Cannot create or open the file " + (folder / "no/image") +
+                        " \n#2 From SaveQelRawImage \n");
     EXPECT_FALSE(save->running());
     EXPECT_FALSE(save->filePath.isLocked());
     save->filePath = String(path.c_str());
@@ -140,13 +140,13 @@ TEST_F(RawImageAlgorithms, nameThemselvesInAFailureAndRunAgain)
     load->output = &back;
     load->filePath = String((folder / "none").c_str());
     EXPECT_QEL_WHAT(load->run(), RuntimeError,
-                    "Runtime error :\n#1 Error : Cannot read the file: \"" + (folder / "none") +
-                        "\".\t System error: No such file or directory \n#2 From LoadQelRawImage \n");
+                    "Runtime error :\n#1 Error : Cannot read the file: " + (folder / "none") +
+                        ".\t System error: No such file or directory \n#2 From LoadQelRawImage \n");
     EXPECT_FALSE(load->output.isLocked());
     load->filePath = String(path.c_str());
     back.failOn(RESERVE);
     EXPECT_QEL_WHAT(load->run(), RuntimeError,
-                    "Runtime error :\n#1 Error : Cannot allocate a memory image for the image " + quoted() +
+                    "Runtime error :\n#1 Error : Cannot allocate a memory image for the image " + path +
                         " \n#2 From LoadQelRawImage \n");
     back.behave().throwOn(WRITE_ROW);
     EXPECT_QEL_WHAT(load->run(), UnexpectedError, "Unexpected error :\n#1 Error : host failure LoadQelRawImage \n");

@@ -95,9 +95,9 @@ void QelRawImage::writeImage(ImageModel const* image, String const& pathText, bo
         if (!overwrite)
             QEL_THROW(RuntimeError, "File exist: <" << path << ">. Set the overwrite parameter to true.");
         if (!fs::is_regular_file(status))
-            QEL_THROW(RuntimeError, "<" << path.string() << "> is not a regular file.");
+            QEL_THROW(RuntimeError, "<" << pathText << "> is not a regular file.");
     }
-    auto const failToWrite = [&] { QEL_THROW(RuntimeError, "Unable to write to disk the image " << path); };
+    auto const failToWrite = [&] { QEL_THROW(RuntimeError, "Unable to write to disk the image " << pathText); };
     // The format has 32 bits for a size. A file that lies about it would be worse than none.
     for (Components const axis : AXES)
         if (image->getNumOf(axis) > std::numeric_limits<unsigned int>::max())
@@ -105,7 +105,7 @@ void QelRawImage::writeImage(ImageModel const* image, String const& pathText, bo
 
     std::ofstream stream(path.c_str(), std::ios::binary | std::ios::trunc);
     if (!stream)
-        QEL_THROW(RuntimeError, "Cannot create or open the file " << path);
+        QEL_THROW(RuntimeError, "Cannot create or open the file " << pathText);
 
     magic = MAGIC;
     version = wantedVersion;
@@ -152,12 +152,12 @@ void QelRawImage::readImage(String const& pathText, ImageModel* image)
     if (isDirectory)
         error = EISDIR;
     if (!stream || isDirectory)
-        QEL_THROW(RuntimeError,
-                  "Cannot read the file: " << path << ".\t System error: " << std::system_category().message(error));
+        QEL_THROW(RuntimeError, "Cannot read the file: " << pathText << ".\t System error: "
+                                                         << std::system_category().message(error));
 
     auto const checkRead = [&] {
         if (!stream)
-            QEL_THROW(RuntimeError, "Unable to read from disk the image " << path);
+            QEL_THROW(RuntimeError, "Unable to read from disk the image " << pathText);
     };
     magic.assign(MAGIC_SIZE, '\0');
     stream.read(magic.data(), MAGIC_SIZE);
@@ -174,14 +174,14 @@ void QelRawImage::readImage(String const& pathText, ImageModel* image)
     checkRead();
     // Before memory is taken on the word of the header.
     if (!holdsVoxels(*header, remainingBytes(stream)))
-        QEL_THROW(RuntimeError, "Unable to read from disk the image " << path);
+        QEL_THROW(RuntimeError, "Unable to read from disk the image " << pathText);
 
     VoxelTypes const type = header->getVoxelType();
     // An image that keeps another type than it was given would read the rows beyond their end.
     if (!image->reserve(type, header->getSizeOf(COLUMNS), header->getSizeOf(ROWS), header->getSizeOf(PLANS),
                         header->getSizeOf(TIME_SERIES), header->getSizeOf(SPECTRAL_SERIES)) ||
         image->getVoxelType() != type)
-        QEL_THROW(RuntimeError, "Cannot allocate a memory image for the image " << path);
+        QEL_THROW(RuntimeError, "Cannot allocate a memory image for the image " << pathText);
     image->setInterpretation(header->getInterpretation());
     for (Components const axis : AXES)
         image->setSpacingOf(axis, header->getCalibrationOf(axis).getSpacing());
