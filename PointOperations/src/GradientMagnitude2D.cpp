@@ -1,0 +1,29 @@
+#include <qel/point_operations/GradientMagnitude2D.h>
+
+#include "Core/private/DefineAlgorithm.h"
+#include "Core/private/Rules/Asserts.h"
+#include "PointOperations/private/GradientMagnitude.h"
+
+#include <qel/EnumInfo.h>
+
+namespace qel::point_operations {
+
+QEL_DEFINE_ALGORITHM(GradientMagnitude2D)
+
+void GradientMagnitude2D::init()
+{
+    static EnumInfo info("GradientMagnitudeOutputType", gradientMagnitudeOutputDeclaration);
+    addInput(&input1);
+    declare(input1, "input1", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING);
+    addInput(&input2);
+    declare(input2, "input2", nullptr, ASSERT_NOT_NULL, AddRuleAssertSameType(&input1), AddRuleAssertSameSize(&input1));
+    addInput(&outputMode);
+    outputMode.setEnumInfo(&info);
+    declare(outputMode, "outputMode", GRADIENTMAGNITUDEOUTPUT_AMPLITUDE_EUCLIDEAN, AddRuleIsAnEnumOfType(&info));
+    addOutput(&output);
+    declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input1));
+}
+
+AlgoBorderInfluence GradientMagnitude2D::getAlgoBorderInfluence() const { return AlgoBorderInfluence(0, 0, 0, 0, 0); }
+
+} // namespace qel::point_operations
