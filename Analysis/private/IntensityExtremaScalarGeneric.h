@@ -7,14 +7,16 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
+#include <type_traits>
 
 namespace qel::analysis {
 
 /// Several running extrema side by side, so that the loop over them is one of vectors. A NaN is passed over.
 template <class T> struct ExtremaLanes
 {
-    /// Not fewer: GCC takes a loop of up to 16 steps apart before it looks for vectors, and then finds none.
-    static constexpr std::size_t count = sizeof(T) == 1 ? 64 : 32;
+    /// GCC takes a loop of up to 16 steps apart before it looks for vectors, and then finds none. That is right for
+    /// 64-bit integers alone, which have no vector comparison and so stay in registers.
+    static constexpr std::size_t count = std::is_integral_v<T> && sizeof(T) == 8 ? 4 : sizeof(T) == 1 ? 64 : 32;
 
     T minima[count];
     T maxima[count];
