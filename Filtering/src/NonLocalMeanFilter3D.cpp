@@ -1,0 +1,48 @@
+#include <qel/filtering/smoothing/NonLocalMeanFilter3D.h>
+
+#include "Core/private/DefineAlgorithm.h"
+#include "Core/private/Rules/Asserts.h"
+
+#include <qel/EnumInfo.h>
+
+#include <algorithm>
+
+namespace qel::filtering::smoothing {
+
+QEL_DEFINE_ALGORITHM(NonLocalMeanFilter3D)
+
+namespace {
+
+EnumInfo& neighborhoodShape3DTypeInfo()
+{
+    static EnumInfo info("NeighborhoodShape3DType", "QEL_CUBE = 0, QEL_BALL");
+    return info;
+}
+
+} // namespace
+
+void NonLocalMeanFilter3D::init()
+{
+    addInput(&input);
+    declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING, ASSERT_VALUE);
+    addInput(&patchSize);
+    declare(patchSize, "patchSize", 3u);
+    addInput(&searchWindowSize);
+    declare(searchWindowSize, "searchWindowSize", 6u);
+    addInput(&similarity);
+    declare(similarity, "similarity", Scalar(0.6));
+    addInput(&searchWindowShape);
+    searchWindowShape.setEnumInfo(&neighborhoodShape3DTypeInfo());
+    declare(searchWindowShape, "searchWindowShape", QEL_CUBE, AddRuleIsAnEnumOfType(&neighborhoodShape3DTypeInfo()));
+    addOutput(&output);
+    declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
+            AddRuleEnforceSameInterpretation(&input));
+}
+
+AlgoBorderInfluence NonLocalMeanFilter3D::getAlgoBorderInfluence() const
+{
+    unsigned int const reach = std::max(patchSize.get(), searchWindowSize.get());
+    return AlgoBorderInfluence(reach, reach, reach, 0, 0);
+}
+
+} // namespace qel::filtering::smoothing
