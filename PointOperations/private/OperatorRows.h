@@ -6,47 +6,50 @@
 namespace qel::point_operations {
 
 /// A row kernel that is chosen at run time: frames then exist once for each voxel type, whatever the operator.
-template <class T> using PairRow = void (*)(T const*, T const*, T*, std::size_t);
+/// The operator works in `T`; rows of another type are cast in the loop.
+template <class T, class In = T> using PairRow = void (*)(In const*, In const*, T*, std::size_t);
 
 /// The same with one value as the second operand of all voxels.
-template <class T> struct ValueRow
+template <class T, class In = T> struct ValueRow
 {
-    void (*row)(T const*, T, T*, std::size_t);
+    void (*row)(In const*, T, T*, std::size_t);
     T value;
 
-    void operator()(T const* in, T* out, std::size_t count) const { row(in, value, out, count); }
+    void operator()(In const* in, T* out, std::size_t count) const { row(in, value, out, count); }
 };
 
 /// Whether an operator gives the same bits for signed and for unsigned voxels: code for one of them is enough.
-template <class Operator, class T>
-inline constexpr bool sharesUnsignedCode = Operator::ignoresSign&& std::is_integral_v<T>&& std::is_signed_v<T>;
+template <class Operator, class T, class In>
+inline constexpr bool sharesUnsignedCode =
+    Operator::ignoresSign&& std::is_same_v<T, In>&& std::is_integral_v<T>&& std::is_signed_v<T>;
 
 template <class Operator> struct PairOperation
 {
-    template <class T>
-    static void row(T const* __restrict first, T const* __restrict second, T* __restrict out, std::size_t count)
+    template <class T, class In = T>
+    static void row(In const* __restrict first, In const* __restrict second, T* __restrict out, std::size_t count)
     {
-        if constexpr (sharesUnsignedCode<Operator, T>) {
+        if constexpr (sharesUnsignedCode<Operator, T, In>) {
             using Bits = std::make_unsigned_t<T>;
             row<Bits>(reinterpret_cast<Bits const*>(first), reinterpret_cast<Bits const*>(second),
                       reinterpret_cast<Bits*>(out), count);
         } else {
             for (std::size_t x = 0; x < count; ++x)
-                out[x] = Operator::apply(first[x], second[x]);
+                out[x] = Operator::apply(static_cast<T>(first[x]), static_cast<T>(second[x]));
         }
     }
 };
 
 template <class Operator> struct ValueOperation
 {
-    template <class T> static void row(T const* __restrict in, T value, T* __restrict out, std::size_t count)
+    template <class T, class In = T>
+    static void row(In const* __restrict in, T value, T* __restrict out, std::size_t count)
     {
-        if constexpr (sharesUnsignedCode<Operator, T>) {
+        if constexpr (sharesUnsignedCode<Operator, T, In>) {
             using Bits = std::make_unsigned_t<T>;
             row<Bits>(reinterpret_cast<Bits const*>(in), static_cast<Bits>(value), reinterpret_cast<Bits*>(out), count);
         } else {
             for (std::size_t x = 0; x < count; ++x)
-                out[x] = Operator::apply(in[x], value);
+                out[x] = Operator::apply(static_cast<T>(in[x]), value);
         }
     }
 };

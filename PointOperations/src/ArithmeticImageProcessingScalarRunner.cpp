@@ -6,6 +6,8 @@
 
 #include <qel/point_operations/ArithmeticImageProcessing.h>
 
+#include <type_traits>
+
 namespace qel::point_operations {
 
 namespace {
@@ -21,13 +23,20 @@ struct ArithmeticImageProcessingScalarDispatcher
 
     template <class T, class Operator> static void runInternal(ArithmeticImageProcessing& arithmetic)
     {
-        runRows<T>(arithmetic, &ArithmeticImageProcessingScalarGeneric<Operator>::template row<T>);
+        using Rows = ArithmeticImageProcessingScalarGeneric<Operator>;
+        using Narrow = typename NarrowInput<T, Operator>::Type;
+        if constexpr (!std::is_void_v<Narrow>)
+            if (arithmetic.input1.get()->getVoxelType() == VoxelTypeOf<Narrow>::value &&
+                arithmetic.input2.get()->getVoxelType() == VoxelTypeOf<Narrow>::value)
+                return runRows<T, Narrow>(arithmetic, &Rows::template row<T, Narrow>);
+        runRows<T, T>(arithmetic, &Rows::template row<T>);
     }
 
-    /// Not inlined into the six that call it.
-    template <class T> [[gnu::noinline]] static void runRows(ArithmeticImageProcessing& arithmetic, PairRow<T> row)
+    /// Not inlined into the calls for all operators.
+    template <class T, class In>
+    [[gnu::noinline]] static void runRows(ArithmeticImageProcessing& arithmetic, PairRow<T, In> row)
     {
-        runPairPointwise<T, T, T>(arithmetic, arithmetic.input1, arithmetic.input2, arithmetic.output, row);
+        runPairPointwise<In, In, T>(arithmetic, arithmetic.input1, arithmetic.input2, arithmetic.output, row);
     }
 };
 

@@ -7,6 +7,8 @@
 
 #include <qel/point_operations/ArithmeticValueProcessing.h>
 
+#include <type_traits>
+
 namespace qel::point_operations {
 
 namespace {
@@ -22,15 +24,20 @@ struct ArithmeticValueProcessingScalarDispatcher
 
     template <class T, class Operator> static void runInternal(ArithmeticValueProcessing& arithmetic)
     {
-        runRows<T>(arithmetic, {&ArithmeticValueProcessingScalarGeneric<Operator>::template row<T>,
-                                helper::convertVoxel<T>(arithmetic.inputValue.get())});
+        using Rows = ArithmeticValueProcessingScalarGeneric<Operator>;
+        using Narrow = typename NarrowInput<T, Operator>::Type;
+        T const value = helper::convertVoxel<T>(arithmetic.inputValue.get());
+        if constexpr (!std::is_void_v<Narrow>)
+            if (arithmetic.input.get()->getVoxelType() == VoxelTypeOf<Narrow>::value)
+                return runRows<T, Narrow>(arithmetic, {&Rows::template row<T, Narrow>, value});
+        runRows<T, T>(arithmetic, {&Rows::template row<T>, value});
     }
 
-    /// Not inlined into the six that call it.
-    template <class T>
-    [[gnu::noinline]] static void runRows(ArithmeticValueProcessing& arithmetic, ValueRow<T> const& row)
+    /// Not inlined into the calls for all operators.
+    template <class T, class In>
+    [[gnu::noinline]] static void runRows(ArithmeticValueProcessing& arithmetic, ValueRow<T, In> const& row)
     {
-        runPointwise<T, T>(arithmetic, arithmetic.input, arithmetic.output, row);
+        runPointwise<In, T>(arithmetic, arithmetic.input, arithmetic.output, row);
     }
 };
 
