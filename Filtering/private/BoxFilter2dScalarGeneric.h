@@ -8,6 +8,17 @@
 namespace qel::filtering::smoothing {
 
 /// Sums across rows, then along them.
+template <class View, class Sum>
+[[gnu::noinline]] void sumBoxes(View const& view, access::Block2d const& block, math::Vector2<unsigned int> const& size,
+                                typename RowSums<Sum>::Sink& sink)
+{
+    BoxRange const rows(block.rowsBegin(), block.rowsEnd(), size[1], view.numOfRows());
+    BoxRange const columns(block.colsBegin(), block.colsEnd(), size[0], view.numOfCols());
+    SliceRows<View> voxels(view, block, columns);
+    long const plan = static_cast<long>(block.plansBegin());
+    RowSums<Sum>(rows, columns).run([&](long row) { return voxels.fetch(plan, row); }, 0, sink);
+}
+
 template <class Work, class Operator> class BoxFilter2dScalarGeneric
 {
 public:
@@ -17,18 +28,9 @@ public:
 
     template <class Filter> void run(access::Block2d const& block, Filter& filter)
     {
-        auto const& view = *filter.getInputView();
-        BoxRange const rows(block.rowsBegin(), block.rowsEnd(), m_size[1], view.numOfRows());
-        BoxRange const columns(block.colsBegin(), block.colsEnd(), m_size[0], view.numOfCols());
         double const area = static_cast<double>(m_size[0]) * static_cast<double>(m_size[1]);
-        std::vector<typename Filter::InputView::VoxelType> voxels(columns.inside());
-        BoxFilterOutput<Work, Operator, Filter> output(block, filter, rows, columns, area);
-        output.run(0, [&](long row) {
-            view.read(voxels.data(), voxels.size(), columns.insideBegin, access::mirrorCoordinate(row, rows.image),
-                      static_cast<long>(block.plansBegin()), static_cast<long>(block.timeSeriesBegin()),
-                      static_cast<long>(block.spectralSeriesBegin()));
-            return voxels.data();
-        });
+        BoxFilterOutput<Work, Operator, Filter> output(block, filter, area);
+        sumBoxes<typename Filter::InputView, typename SumOf<Work>::type>(*filter.getInputView(), block, m_size, output);
     }
 
 private:

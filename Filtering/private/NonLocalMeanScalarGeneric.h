@@ -123,6 +123,29 @@ private:
         }
 
     private:
+        /// Makes weights of the sums over patches.
+        class Weights final : public RowSums<double>::Sink
+        {
+        public:
+            Weights(MirroredVolume& volume, double divisor)
+                : m_volume(volume)
+                , m_divisor(divisor)
+            {}
+            void take(unsigned long plan, unsigned long row, double const* patches) override
+            {
+                unsigned long const count = m_volume.columns().count();
+                double* const weights =
+                    m_volume.rowAt(static_cast<long>(plan), m_volume.rows().begin + static_cast<long>(row));
+                std::copy_n(patches, count, weights);
+                weightRow(weights, m_divisor, count);
+            }
+            bool isCancelled() const override { return false; }
+
+        private:
+            MirroredVolume& m_volume;
+            double m_divisor;
+        };
+
         template <class Visit> void forEachRow(Visit const& visit) const
         {
             unsigned long at = 0;
@@ -165,17 +188,11 @@ private:
             m_planSums.resize(length * rows.inside());
             SlidingSums<double> across(plans.side, length, rows.inside());
             RowSums<double> sums(rows, columns);
+            Weights weights(m_weights, m_body.m_parameters.divisor);
             across.start(plans.first, fetchDifference);
             for (long plan = m_weights.plans().begin; plan < m_weights.plans().end; ++plan) {
                 across.next(fetchDifference, [&](unsigned long row) { return m_planSums.data() + row * length; });
-                sums.run([&](long row) -> double const* { return m_planSums.data() + rows.indexOf(row) * length; },
-                         [&](unsigned long row, double const* patches) {
-                             double* const weights =
-                                 m_weights.rowAt(plan, m_weights.rows().begin + static_cast<long>(row));
-                             std::copy_n(patches, columns.count, weights);
-                             weightRow(weights, m_body.m_parameters.divisor, columns.count);
-                         },
-                         [] { return false; });
+                sums.run(PlanRows<double>{m_planSums.data(), rows, length}, static_cast<unsigned long>(plan), weights);
             }
         }
 

@@ -104,22 +104,34 @@ public:
         , m_lines(columns)
     {}
 
-    /// `fetch(row)` gives the inside of a row, whose coordinate may lie outside of the image. `take(index, sums)` gets
-    /// each row of sums, counted from the first. `isCancelled()` is asked now and then; false if it said yes.
-    template <class Fetch, class Take, class IsCancelled>
-    bool run(Fetch const& fetch, Take const& take, IsCancelled const& isCancelled)
+    /// Takes finished rows, one call each: what is done with them is not compiled into the sums.
+    class Sink
+    {
+    public:
+        /// A row of sums, counted from the first, of the plan that was told.
+        virtual void take(unsigned long plan, unsigned long row, Sum const* sums) = 0;
+        /// Asked now and then.
+        virtual bool isCancelled() const = 0;
+
+    protected:
+        ~Sink() = default;
+    };
+
+    /// `fetch(row)` gives the inside of a row, whose coordinate may lie outside of the image. False if the run was
+    /// cancelled.
+    template <class Fetch> bool run(Fetch const& fetch, unsigned long plan, Sink& sink)
     {
         auto const fetchRow = [&](long row, unsigned long) { return fetch(row); };
         m_sums.start(m_rows.first, fetchRow);
         for (unsigned long row = 0; row < m_rows.count; row += rowsAtOnce) {
-            if (isCancelled())
+            if (sink.isCancelled())
                 return false;
             unsigned long const rows = std::min(rowsAtOnce, m_rows.count - row);
             for (unsigned long i = 0; i < rows; ++i)
                 m_sums.next(fetchRow, [&](unsigned long) { return m_lines.line(i); });
             m_lines.run();
             for (unsigned long i = 0; i < rows; ++i)
-                take(row + i, m_lines.result(i));
+                sink.take(plan, row + i, m_lines.result(i));
         }
         return true;
     }
@@ -128,6 +140,16 @@ private:
     BoxRange m_rows;
     SlidingSums<Sum> m_sums;
     LineSums<Sum> m_lines;
+};
+
+/// The rows of sums of a plan, as what boxes fetch: those outside of the image are mirrored.
+template <class Sum> struct PlanRows
+{
+    Sum const* sums; // of the inside
+    BoxRange const& rows;
+    unsigned long length;
+
+    Sum const* operator()(long row) const { return sums + rows.indexOf(row) * length; }
 };
 
 } // namespace qel::filtering::smoothing

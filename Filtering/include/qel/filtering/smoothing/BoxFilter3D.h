@@ -16,8 +16,8 @@ namespace qel::filtering::smoothing {
 /// above). `output`: takes sizes and calibration of `input` and becomes an image of values; may be `input` itself for
 /// the mean, at the cost of a copy of a volume.
 ///
-/// Integer sums are exact up to 16 bits. All others are summed in double, in an order that depends on a voxel's
-/// position alone, and rounded once: neither the number of threads nor a far voxel changes a result.
+/// Sums of 8- and 16-bit integers whose type is an integer are exact. All others are made in double, in an order that
+/// depends on a voxel's position alone: neither the number of threads nor a far voxel changes a result.
 ///
 /// Throws RuleException, before any voxel changes, when an image is missing or of another type, and InvalidCall when a
 /// side is 0.
