@@ -57,4 +57,26 @@ void anamorphosisRow(AnamorphosisScalarGeneric<T> const& parameters, T const* __
     }
 }
 
+/// For bytes: the result of each of them, computed once by one of the forms above.
+template <class T> class AnamorphosisOfBytes
+{
+public:
+    explicit AnamorphosisOfBytes(AnamorphosisScalarGeneric<T> const& kernel)
+    {
+        T voxels[256];
+        for (unsigned int i = 0; i < 256; ++i)
+            voxels[i] = static_cast<T>(i);
+        kernel(voxels, m_results, 256);
+    }
+
+    void operator()(T const* __restrict in, T* __restrict out, std::size_t count) const
+    {
+        for (std::size_t x = 0; x < count; ++x)
+            out[x] = m_results[static_cast<unsigned char>(in[x])];
+    }
+
+private:
+    T m_results[256];
+};
+
 } // namespace qel::point_operations

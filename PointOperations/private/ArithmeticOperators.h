@@ -144,8 +144,8 @@ struct ArithmeticOperator_MaximumTag
     template <class T> static T apply(T first, T second) { return first < second ? second : first; }
 };
 
-/// Pictures of 8 and 16 bits, which promotion widens, are cast in the loop and not on their way: that takes two thirds of the
-/// time. This is the type of such inputs, or void.
+/// Pictures of 8 and 16 bits, which promotion widens, are cast in the loop and not on their way: that takes two thirds
+/// of the time. This is the type of such inputs, or void.
 template <class T, class Operator> struct NarrowInput
 {
     static constexpr bool isProduct = std::is_same_v<Operator, ArithmeticOperator_MultiplyTag>;

@@ -35,7 +35,15 @@ struct AnamorphosisScalarDispatcher
                                                   results.data(),
                                                   helper::convertVoxel<T>(anamorphosis->lowIntensity.get()),
                                                   helper::convertVoxel<T>(anamorphosis->highIntensity.get())};
-        runManyPointwise<T>(*anamorphosis, kernel, anamorphosis->output.get(), anamorphosis->input.get());
+        if constexpr (sizeof(T) == 1)
+            runRows<T>(*anamorphosis, AnamorphosisOfBytes<T>(kernel));
+        else
+            runRows<T>(*anamorphosis, kernel);
+    }
+
+    template <class T, class Kernel> static void runRows(Anamorphosis& anamorphosis, Kernel const& kernel)
+    {
+        runManyPointwise<T>(anamorphosis, kernel, anamorphosis.output.get(), anamorphosis.input.get());
     }
 
     template <class T> static auto rowFor(bool hasNoMin, bool hasNoStep)
