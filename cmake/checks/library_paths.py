@@ -3,11 +3,14 @@
 Arguments: the installed tree, then the folders that must not be named.
 """
 import pathlib
+import re
 import sys
 
 import project
 
-tree, folders = pathlib.Path(sys.argv[1]), [folder.encode() for folder in sys.argv[2:]]
+tree, folders = pathlib.Path(sys.argv[1]), sys.argv[2:]
+# From its root on: the project's own Core/src/ is none of these, whatever they are called.
+named = {folder: re.compile(rb"(?<![\w.-])" + re.escape(folder).encode() + b"/") for folder in folders}
 paths = [path for path in tree.rglob("*") if path.is_file()]
-project.finish([f"{path.relative_to(tree)}: {folder.decode()}" for path in paths
-                for folder in folders if folder + b"/" in path.read_bytes()], len(paths))
+project.finish([f"{path.relative_to(tree)}: {folder}" for path in paths
+                for folder, pattern in named.items() if pattern.search(path.read_bytes())], len(paths))

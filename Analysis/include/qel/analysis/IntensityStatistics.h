@@ -13,8 +13,8 @@ namespace qel::analysis {
 ///
 /// The deviation is that of the population, the square root of the mean square less the squared mean: of a constant
 /// image of large values it may be a NaN from rounding. Sums beyond 2^53 are rounded. The results have the same bits on
-/// every run and for every number of threads. Of an empty image the mean is a NaN. The extrema pass over a NaN, and -0 is
-/// 0 for them.
+/// every run and for every number of threads. Of an empty image the mean is a NaN. The extrema pass over a NaN, and -0
+/// is 0 for them.
 ///
 /// Throws RuleException when the image is missing. Cost: a read of the image, and a few operations a voxel.
 class QEL_API IntensityStatistics : public BaseAlgorithm
