@@ -1,13 +1,16 @@
 // Draws an image for the eye: intensities from LOW to HIGH in grey, up to twelve plans side by side, as an RGB picture.
-// Voxels under a mask are tinted, and the edge of the mask is drawn full.
+// Voxels under a mask are tinted, and the edge of the mask is drawn full. Of a label image, each label has a colour.
 //
 //     contact_sheet IMAGE.qeli SHEET.qeli LOW HIGH [MASK.qeli]
+//     contact_sheet LABELS.qeli SHEET.qeli labels
 #include <qel/quelide.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <string>
 #include <vector>
 
 namespace {
@@ -62,7 +65,22 @@ private:
     std::vector<double> m_voxels;
 };
 
-void drawSheet(qel::memory::InMemoryImage& image, qel::memory::InMemoryImage* mask, double low, double high,
+/// How bright a voxel is in a channel of the sheet, from 0 to 255.
+using Shade = std::function<double(double value, unsigned long channel)>;
+
+Shade greyBetween(double low, double high)
+{
+    return [=](double value, unsigned long) { return std::clamp((value - low) / (high - low), 0.0, 1.0) * 255; };
+}
+
+/// Hues by the golden ratio, so that labels that follow each other differ; 0 is black.
+double colourOfLabel(double label, unsigned long channel)
+{
+    double const hue = label * 0.618034 + static_cast<double>(channel) / 3;
+    return label == 0 ? 0 : 127.5 + 127.5 * std::cos(2 * 3.14159265 * hue);
+}
+
+void drawSheet(qel::memory::InMemoryImage& image, qel::memory::InMemoryImage* mask, Shade const& shade,
                qel::memory::InMemoryImage& sheet)
 {
     unsigned long const columns = image.getNumOf(qel::COLUMNS);
@@ -90,13 +108,15 @@ void drawSheet(qel::memory::InMemoryImage& image, qel::memory::InMemoryImage* ma
         };
         for (unsigned long y = 0; y < rows * zoom; ++y) {
             for (unsigned long x = 0; x < columns * zoom; ++x) {
-                double const level = std::clamp((voxels.at(x / zoom, y / zoom) - low) / (high - low), 0.0, 1.0) * 255;
+                double const value = voxels.at(x / zoom, y / zoom);
                 double const weight = !mask || !isUnder(x, y) ? 0 : isEdge(x, y) ? 1 : 0.3;
                 unsigned long const sheetX = tile % across * (columns * zoom + gap) + x;
                 unsigned long const sheetY = tile / across * (rows * zoom + gap) + y;
-                for (unsigned long channel = 0; channel < 3; ++channel)
+                for (unsigned long channel = 0; channel < 3; ++channel) {
+                    double const level = shade(value, channel);
                     pixels[(channel * height + sheetY) * width + sheetX] =
                         static_cast<unsigned char>(std::lround(level + weight * (tint[channel] - level)));
+                }
             }
         }
     }
@@ -106,8 +126,10 @@ void drawSheet(qel::memory::InMemoryImage& image, qel::memory::InMemoryImage* ma
 
 int main(int argc, char** argv)
 try {
-    if (argc != 5 && argc != 6) {
-        std::cerr << "contact_sheet IMAGE.qeli SHEET.qeli LOW HIGH [MASK.qeli]\n";
+    bool const hasLabels = argc == 4 && std::string(argv[3]) == "labels";
+    if (!hasLabels && argc != 5 && argc != 6) {
+        std::cerr << "contact_sheet IMAGE.qeli SHEET.qeli LOW HIGH [MASK.qeli]\n"
+                     "contact_sheet LABELS.qeli SHEET.qeli labels\n";
         return 2;
     }
     qel::memory::InMemoryImage image;
@@ -120,7 +142,8 @@ try {
     }
     if (argc == 6)
         load(argv[5], mask);
-    drawSheet(image, argc == 6 ? &mask : nullptr, std::atof(argv[3]), std::atof(argv[4]), sheet);
+    Shade const shade = hasLabels ? Shade(colourOfLabel) : greyBetween(std::atof(argv[3]), std::atof(argv[4]));
+    drawSheet(image, argc == 6 ? &mask : nullptr, shade, sheet);
     save(sheet, argv[2]);
 } catch (qel::Exception const& error) {
     std::cerr << error.what().c_str();

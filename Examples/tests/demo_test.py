@@ -3,8 +3,10 @@
 Arguments: the demo script, the host, an empty folder to write to.
 """
 import array
+import math
 import pathlib
 import re
+import statistics
 import struct
 import subprocess
 import sys
@@ -36,9 +38,59 @@ for title, count in expected.items():
     assert int(counts[title]) == count, (title, counts[title], count)
 assert len(counts) == 4, counts
 
+
+def number(pattern):
+    return float(re.search(pattern, output)[1])
+
+
+def parts_that_touch(inside, columns):
+    """How many there are among the indices inside, by sides and corners."""
+    left, parts = set(inside), 0
+    while left:
+        parts += 1
+        front = [left.pop()]
+        while front:
+            at = front.pop()
+            x = at % columns
+            for near in (at + dy * columns + dx for dy in (-1, 0, 1) for dx in (-1, 0, 1) if 0 <= x + dx < columns):
+                if near in left:
+                    left.remove(near)
+                    front.append(near)
+    return parts
+
+
+grains = voxels("cermet.qeli")
+parts = parts_that_touch((i for i, v in enumerate(grains) if v < 100), 256)
+assert number(r"counted: (\d+) connected parts") == parts, parts
+
+# Voxels beyond an edge are those of the mirror image: of the next one, the edge itself.
+clamped = [max(i - 1, 0) for i in range(256)], range(256), [min(i + 1, 255) for i in range(256)]
+taken = [grains[y * 256 + x] - sum(grains[rows[y] * 256 + columns[x]] for rows in clamped for columns in clamped) // 9
+         for y in range(256) for x in range(256)]
+assert abs(number(r"a box of 3 x 3 takes away ([\d.]+)") - statistics.pstdev(taken)) < 0.006, statistics.pstdev(taken)
+assert 0 < number(r"non-local means take away ([\d.]+)") < 10
+
+subprocess.run([host, "convert", data / "cell.png", folder / "cell.qeli"], check=True)
+cell = voxels(folder / "cell.qeli")
+(folder / "cell.qeli").unlink()
+above = [sum(column) for column in zip(cell, cell[550:], cell[1100:])]  # three rows, from the first on
+beside = [sum(row) for row in zip(cell, cell[1:], cell[2:])]
+steepest = max(math.hypot(above[y * 550 + x + 3] - above[y * 550 + x], beside[at] - beside[at - 1650])
+               for y in range(1, 658 - 1) for x in range(547) for at in [(y + 2) * 550 + x + 1]) / 9
+assert abs(number(r"steepest edge ([\d.]+)") - steepest) < 0.06, steepest
+
+# Classes of nearest centres are intervals: in ascending order, each class follows the one below.
+classes = [(int(count), float(mean)) for count, mean in re.findall(r"label \d: (\d+) voxels of mean intensity (.*)", output)]
+ascending, begin = sorted(voxels("head_ct.qeli")), 0
+assert len(classes) == 4
+for count, mean in classes:
+    assert count > 0 and abs(sum(ascending[begin:begin + count]) / count - mean) < 0.051, classes
+    begin += count
+assert begin == len(ascending)
+
 assert output.splitlines()[-1] == str(folder)
 pictures = re.findall(r'src="([^"]*)"', (folder / "index.html").read_text())
-assert len(pictures) == len(set(pictures)) == 16, pictures
+assert len(pictures) == len(set(pictures)) == 29, pictures
 assert set(pictures) == {path.name for path in folder.glob("*.png")}
 for picture in pictures:
     report = subprocess.run([host, "show", folder / picture], check=True, capture_output=True, text=True).stdout
