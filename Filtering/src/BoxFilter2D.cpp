@@ -3,6 +3,7 @@
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
 #include "Core/private/Rules/RuleOfOneRun.h"
+#include "Filtering/private/RuleKeepInputType.h"
 #include "Filtering/private/computeWorkType.h"
 
 namespace qel::filtering::smoothing {
@@ -32,11 +33,14 @@ void BoxFilter2D::applyAllRules()
 {
     auto const addType = [this](Property<ImageModel*>& property) {
         math::Vector2<unsigned int> const size = boxSize;
-        if (normalize)
+        if (normalize) {
             AddRuleEnforceSameType{&input}(property);
-        else if (input.get())
-            AddRuleEnforceType{
-                details::computeWorkType(input.get()->getVoxelType(), details::productOf(size[0], size[1]))}(property);
+        } else if (input.get()) {
+            VoxelTypes const type =
+                details::computeWorkType(input.get()->getVoxelType(), details::productOf(size[0], size[1]));
+            pushRule<ImageModel*>(property, boost::make_shared<RuleKeepInputType>(&input, type));
+            AddRuleEnforceType{type}(property);
+        }
     };
     RuleOfOneRun const type(output, addType);
     BaseAlgorithm::applyAllRules();

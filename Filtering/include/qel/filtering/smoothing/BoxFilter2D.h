@@ -13,13 +13,14 @@ namespace qel::filtering::smoothing {
 /// to n/2 - 1 behind it. Outside of the image, voxels are those of its mirror image, the edge repeated. `normalize`
 /// (default true): the mean, of the type of `input`; integers are cut towards zero. Without it the sum, of a type that
 /// holds it (for uint8 input: uint16 up to 256 voxels in the box, int32 up to 8388608, float32 above). `output`: takes
-/// sizes and calibration of `input` and becomes an image of values; may be `input` itself for the mean, at the cost of
-/// a copy of a plan.
+/// sizes and calibration of `input` and becomes an image of values; may be `input` itself where it keeps its type, at
+/// the cost of a copy of a plan.
 ///
 /// Sums of 8- and 16-bit integers whose type is an integer are exact. All others are made in double, in an order that
 /// depends on a voxel's position alone: neither the number of threads nor a far voxel changes a result.
 ///
-/// Throws RuleException, before any voxel changes, when an image is missing or of another type, and InvalidCall when a
+/// Throws RuleException, before any voxel changes, when an image is missing or of another type, or
+/// `output` is `input` and would have to become another type; and InvalidCall when a
 /// side is 0.
 class QEL_API BoxFilter2D : public BaseAlgorithm
 {

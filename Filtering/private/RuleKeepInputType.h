@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Core/private/Rules/ImageReference.h"
+#include "Core/private/Rules/Rules.h"
+#include "Core/private/Throw.h"
+
+#include <qel/Exception.h>
+#include <qel/ImageModel.h>
+
+namespace qel::filtering::smoothing {
+
+/// Refuses an output that is the input, where it would have to become another voxel type: its voxels would be lost.
+class RuleKeepInputType : public Rules<Property<ImageModel*>>
+{
+public:
+    RuleKeepInputType(ImageReference const& input, VoxelTypes type)
+        : m_input(input)
+        , m_type(type)
+    {}
+
+    void apply(Property<ImageModel*>& property) override
+    {
+        ImageModel const* const input = m_input.getImage();
+        if (input && input == property.get() && input->getVoxelType() != m_type)
+            QEL_THROW(RuleException, "The parameter \"" << m_input.getName()
+                                                        << "\" cannot be used as output image if it must be retyped.");
+    }
+
+private:
+    ImageReference m_input;
+    VoxelTypes m_type;
+};
+
+} // namespace qel::filtering::smoothing
