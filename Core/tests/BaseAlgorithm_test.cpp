@@ -1131,7 +1131,7 @@ TEST_F(BaseAlgorithmTest, polledRunsOnEveryThreadOfTheSchedulerEnd)
     };
     onOneAndFourThreads([&] {
         std::atomic<int> ended{0};
-        tbb::parallel_for(0, 8, [&](int) {
+        tbb::parallel_for(0, 4, [&](int) {
             Ref<ProbeAlgorithm> const own(ProbeAlgorithm::New());
             memory::InMemoryImage target = toImage(Picture<unsigned char>({7, 8}));
             Host itsHost;
@@ -1141,7 +1141,7 @@ TEST_F(BaseAlgorithmTest, polledRunsOnEveryThreadOfTheSchedulerEnd)
             EXPECT_EQ(itsHost.reports().back(), 100.0);
             ++ended;
         });
-        EXPECT_EQ(ended, 8);
+        EXPECT_EQ(ended, 4);
     });
 }
 

@@ -404,6 +404,18 @@ TEST_F(BoxFilter2DTest, refusesASideOfZeroBeforeItWritesAVoxel)
     EXPECT_EQ(out.callsOf(WRITE_ROW), 0u);
 }
 
+TEST_F(BoxFilter2DTest, refusesToRetypeItsInput)
+{
+    auto const picture = randomPicture<short>(Shape{7, 5, 3}, 1);
+    HostImage image(picture);
+    connect(image, image, {3, 3}, false);
+    EXPECT_QEL_WHAT(box->run(), RuleException,
+                    ruleText("The parameter \"input\" cannot be used as output image if it must be retyped.", "output",
+                             "BoxFilter2D"));
+    EXPECT_TRUE(samePicture(picture, image));
+    EXPECT_TRUE(isAtRest(*box));
+}
+
 TEST_F(BoxFilter2DTest, reportsImagesThatFailDuringTheRun)
 {
     auto const picture = randomPicture<short>(Shape{5, 23}, 1);

@@ -187,6 +187,18 @@ TEST_F(BoxFilter3DTest, refusesWrongInputInFixedWords)
     EXPECT_TRUE(isAtRest(*box));
 }
 
+TEST_F(BoxFilter3DTest, refusesToRetypeItsInput)
+{
+    auto const picture = randomPicture<short>(Shape{7, 5, 3}, 1);
+    HostImage image(picture);
+    connect(image, image, {3, 3, 3}, false);
+    EXPECT_QEL_WHAT(box->run(), RuleException,
+                    ruleText("The parameter \"input\" cannot be used as output image if it must be retyped.", "output",
+                             "BoxFilter3D"));
+    EXPECT_TRUE(samePicture(picture, image));
+    EXPECT_TRUE(isAtRest(*box));
+}
+
 TEST_F(BoxFilter3DTest, reportsImagesThatFailDuringTheRun)
 {
     auto const picture = randomPicture<short>(Shape{5, 9, 4}, 1);

@@ -130,8 +130,9 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
         auto const cancelPeriod = cap(host.getCancelPeriod());
         auto progressDeadline = steady_clock::now() + progressPeriod;
         auto cancelDeadline = steady_clock::now() + cancelPeriod;
-        // A host may poll on every thread that the scheduler has. Then nobody is left for the work but these.
-        auto const patienceEnds = steady_clock::now() + seconds(1);
+        // A host may poll on every thread that the scheduler has. Then nobody is left for the work but these. Long,
+        // since whoever works does not poll: a busy machine alone is no reason.
+        auto const patienceEnds = steady_clock::now() + seconds(5);
         while (done.wait_for(seconds(0)) != std::future_status::ready) {
             std::this_thread::sleep_for(milliseconds(20));
             auto const now = steady_clock::now();
