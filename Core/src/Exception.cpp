@@ -1,5 +1,7 @@
 #include <qel/Exception.h>
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "Core/private/ClassicText.h"
@@ -77,7 +79,11 @@ String Exception::titled(char const* title) const
 
 Exception::exceptionInfo throwing::firstLevel(String const& message, char const* file, unsigned long line)
 {
-    std::string path(file);
+    // A compiler that is called with relative paths, as caches of objects do, counts from the build folder.
+    std::string_view start(file);
+    while (start.substr(0, 3) == "../")
+        start.remove_prefix(3);
+    std::string path(start);
     if (auto const dot = path.rfind('.'); dot != std::string::npos)
         path.resize(dot);
     Exception::exceptionInfo info;

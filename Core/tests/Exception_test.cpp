@@ -197,3 +197,9 @@ TEST(Throw, cutsTheLastEndingOfThePathOnly)
     EXPECT_STREQ(throwing::firstLevel("", "Core/private/Rules/RuleAssertNotNull.h", 1).fileName.c_str(),
                  "Core/private/Rules/RuleAssertNotNull");
 }
+
+TEST(Throw, givesThePathFromTheProjectsRootWhereverTheCompilerCountsFrom)
+{
+    EXPECT_STREQ(throwing::firstLevel("", "../Core/src/Memory.cpp", 1).fileName.c_str(), "Core/src/Memory");
+    EXPECT_STREQ(throwing::firstLevel("", "../../Core/src/Memory.cpp", 1).fileName.c_str(), "Core/src/Memory");
+}
