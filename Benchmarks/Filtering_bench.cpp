@@ -13,7 +13,6 @@ namespace smoothing = qel::filtering::smoothing;
 
 namespace {
 
-constexpr Shape megapixel{"1024", 1024, 1024, 1};
 constexpr Shape block{"64^3", 64, 64, 64};
 
 template <class Size> Size cubeOf(unsigned int side);

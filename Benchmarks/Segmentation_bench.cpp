@@ -4,9 +4,6 @@
 #include <qel/segmentation/Threshold.h>
 #include <qel/segmentation/ThresholdByCriterion.h>
 
-#include <algorithm>
-#include <vector>
-
 using namespace qel;
 using namespace bench;
 
@@ -47,49 +44,6 @@ template <class T> void thresholdByCriterion(benchmark::State& state, Shape cons
     measure(state, *algorithm, shape, shape.voxels() * (sizeof(T) + 1));
 }
 
-/// Box means of 2 * reach + 1 voxels along one axis; edges are repeated.
-void smooth(std::vector<float>& voxels, unsigned long count, unsigned long stride, long reach)
-{
-    std::vector<float> line(count);
-    auto const n = static_cast<long>(count);
-    for (unsigned long start = 0; start < voxels.size(); ++start) {
-        if (start / stride % count != 0)
-            continue;
-        auto const at = [&](long i) {
-            return voxels[start + stride * static_cast<unsigned long>(std::clamp(i, 0l, n - 1))];
-        };
-        double sum = 0;
-        for (long i = -reach; i <= reach; ++i)
-            sum += at(i);
-        for (long i = 0; i < n; ++i) {
-            line[static_cast<unsigned long>(i)] = static_cast<float>(sum / static_cast<double>(2 * reach + 1));
-            sum += at(i + reach + 1) - at(i - reach);
-        }
-        for (unsigned long i = 0; i < count; ++i)
-            voxels[start + stride * i] = line[i];
-    }
-}
-
-/// Blobs: smooth noise above its mean, so half of the voxels are 1.
-void fillWithBlobs(memory::InMemoryImage& image, Shape const& shape)
-{
-    memory::InMemoryImage noise;
-    fill(noise, QEL_UINT8, shape);
-    std::vector<float> field(noise.getInternalBuffer(), noise.getInternalBuffer() + shape.voxels());
-    for (int pass = 0; pass < 2; ++pass) {
-        smooth(field, shape.columns, 1, 6);
-        smooth(field, shape.rows, shape.columns, 6);
-        if (shape.plans > 1)
-            smooth(field, shape.plans, shape.columns * shape.rows, 6);
-    }
-    std::vector<float> sorted(field);
-    std::nth_element(sorted.begin(), sorted.begin() + static_cast<long>(sorted.size() / 2), sorted.end());
-    float const middle = sorted[sorted.size() / 2];
-    require(image.reserve(QEL_UINT8, shape.columns, shape.rows, shape.plans, 1, 1), "reserve");
-    for (unsigned long i = 0; i < field.size(); ++i)
-        image.getInternalBuffer()[i] = field[i] > middle;
-}
-
 template <class L> void label(benchmark::State& state, VoxelTypes type, Shape const& shape, bool isNoise)
 {
     memory::InMemoryImage in, out;
@@ -98,7 +52,7 @@ template <class L> void label(benchmark::State& state, VoxelTypes type, Shape co
         for (unsigned long i = 0; i < shape.voxels(); ++i)
             in.getInternalBuffer()[i] &= 1;
     } else {
-        fillWithBlobs(in, shape);
+        fill(in, QEL_UINT8, shape, Picture::Blobs);
     }
     require(out.reserve(type, shape.columns, shape.rows, shape.plans, 1, 1), "reserve");
     Ref<segmentation::Labeling> algorithm(segmentation::Labeling::New());

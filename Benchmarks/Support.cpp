@@ -2,10 +2,13 @@
 
 #include <tbb/global_control.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <fstream>
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -13,28 +16,143 @@ namespace bench {
 
 namespace {
 
-template <class T> void fillWith(qel::memory::InMemoryImage& image, unsigned long voxels, T scale)
+/// Box means of 2 * reach + 1 voxels along one axis; edges are repeated.
+void smooth(std::vector<float>& voxels, unsigned long count, unsigned long stride, long reach)
+{
+    std::vector<double> sums(stride);
+    std::vector<float> lines(count * stride);
+    auto const n = static_cast<long>(count);
+    for (unsigned long start = 0; start < voxels.size(); start += count * stride) {
+        std::copy_n(voxels.data() + start, lines.size(), lines.data());
+        auto const at = [&](long i) {
+            return lines.data() + stride * static_cast<unsigned long>(std::clamp(i, 0l, n - 1));
+        };
+        std::fill(sums.begin(), sums.end(), 0.0);
+        for (long i = -reach; i <= reach; ++i)
+            for (unsigned long x = 0; x < stride; ++x)
+                sums[x] += at(i)[x];
+        for (long i = 0; i < n; ++i) {
+            float* const out = voxels.data() + start + stride * static_cast<unsigned long>(i);
+            for (unsigned long x = 0; x < stride; ++x) {
+                out[x] = static_cast<float>(sums[x] / static_cast<double>(2 * reach + 1));
+                sums[x] += at(i + reach + 1)[x] - at(i - reach)[x];
+            }
+        }
+    }
+}
+
+/// Smooth noise, mean 0 and deviation 1.
+std::vector<float> field(Shape const& shape, long reach, unsigned int seed)
+{
+    std::mt19937 random(seed);
+    std::vector<float> voxels(shape.voxels());
+    for (float& voxel : voxels)
+        voxel = static_cast<float>(random() >> 20);
+    for (int pass = 0; pass < 2; ++pass) {
+        smooth(voxels, shape.columns, 1, reach);
+        smooth(voxels, shape.rows, shape.columns, reach);
+        if (shape.plans > 1)
+            smooth(voxels, shape.plans, shape.columns * shape.rows, reach);
+    }
+    double sum = 0, squares = 0;
+    for (float voxel : voxels) {
+        sum += voxel;
+        squares += double(voxel) * voxel;
+    }
+    double const mean = sum / static_cast<double>(voxels.size());
+    double const deviation = std::sqrt(squares / static_cast<double>(voxels.size()) - mean * mean);
+    for (float& voxel : voxels)
+        voxel = static_cast<float>((voxel - mean) / deviation);
+    return voxels;
+}
+
+std::vector<float> texture(Shape const& shape) { return field(shape, shape.plans > 1 ? 4 : 6, 1); }
+
+template <class T> void fillWithNoise(T* out, Shape const& shape)
 {
     std::mt19937 random(20231);
-    T* const row = reinterpret_cast<T*>(image.getInternalBuffer());
-    for (unsigned long x = 0; x < voxels; ++x)
-        row[x] = static_cast<T>(static_cast<T>(random() >> 24) * scale);
+    T const scale = std::is_integral_v<T> ? T(1) : T(0.999f);
+    for (unsigned long x = 0; x < shape.voxels(); ++x)
+        out[x] = static_cast<T>(static_cast<T>(random() >> 24) * scale);
+}
+
+template <class T> void fillWithGrey(T* out, Shape const& shape, bool isMarker)
+{
+    std::vector<float> const coarse = texture(shape);
+    std::vector<float> const fine = field(shape, 1, 2);
+    std::mt19937 random(3);
+    float const greatest = std::is_integral_v<T> ? static_cast<float>(std::numeric_limits<T>::max()) : 0;
+    for (unsigned long x = 0; x < shape.voxels(); ++x) {
+        float const noise = static_cast<float>(random() >> 24) / 255 - 0.5f;
+        float const value = 0.8f * coarse[x] + 0.5f * fine[x] + 0.2f * noise - (isMarker ? 0.75f : 0.f);
+        if constexpr (std::is_integral_v<T>)
+            out[x] = static_cast<T>(std::clamp((0.5f + 0.14f * value) * greatest, 0.f, greatest));
+        else
+            out[x] = value;
+    }
+}
+
+void fillWithBlobs(unsigned char* out, Shape const& shape, bool isSeeds)
+{
+    std::vector<float> const coarse = texture(shape);
+    std::vector<float> sorted(coarse);
+    std::nth_element(sorted.begin(), sorted.begin() + static_cast<long>(sorted.size() / 2), sorted.end());
+    float const middle = sorted[sorted.size() / 2];
+    std::mt19937 random(4);
+    for (unsigned long x = 0; x < shape.voxels(); ++x)
+        out[x] = coarse[x] > middle && (!isSeeds || random() % 20000 == 0);
+}
+
+template <class T> void make(T* out, Shape const& shape, Picture picture)
+{
+    switch (picture) {
+    case Picture::Noise:
+        return fillWithNoise(out, shape);
+    case Picture::Grey:
+    case Picture::Marker:
+        return fillWithGrey(out, shape, picture == Picture::Marker);
+    case Picture::Blobs:
+    case Picture::Seeds:
+        if constexpr (std::is_same_v<T, unsigned char>)
+            return fillWithBlobs(out, shape, picture == Picture::Seeds);
+    }
+    require(false, "no such picture of this voxel type");
+}
+
+template <class T> void fillFromFile(qel::memory::InMemoryImage& image, Shape const& shape, Picture picture)
+{
+    auto* const voxels = reinterpret_cast<T*>(image.getInternalBuffer());
+    auto const bytes = static_cast<std::streamsize>(shape.voxels() * sizeof(T));
+    char const* const folder = std::getenv("QUELIDE_BENCH_IMAGES");
+    if (folder == nullptr)
+        return make(voxels, shape, picture);
+    std::string const path =
+        std::string(folder) + "/" + static_cast<char>(picture) + "_" + shape.name + "_" + Voxel<T>::name + ".raw";
+    if (std::ifstream file(path, std::ios::binary); file) {
+        file.read(reinterpret_cast<char*>(voxels), bytes);
+        require(file.gcount() == bytes && file.peek() == EOF, path.c_str());
+        return;
+    }
+    make(voxels, shape, picture);
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<char const*>(voxels), bytes);
+    require(file.flush().good(), path.c_str());
 }
 
 } // namespace
 
-void fill(qel::memory::InMemoryImage& image, qel::VoxelTypes type, Shape const& shape)
+void fill(qel::memory::InMemoryImage& image, qel::VoxelTypes type, Shape const& shape, Picture picture)
 {
     require(image.reserve(type, shape.columns, shape.rows, shape.plans, 1, 1), "reserve");
     switch (type) {
     case qel::QEL_UINT8:
-        return fillWith<unsigned char>(image, shape.voxels(), 1);
+        return fillFromFile<unsigned char>(image, shape, picture);
     case qel::QEL_UINT16:
-        return fillWith<unsigned short>(image, shape.voxels(), 1);
+        return fillFromFile<unsigned short>(image, shape, picture);
     case qel::QEL_FLOAT32:
-        return fillWith<float>(image, shape.voxels(), 0.999f);
+        return fillFromFile<float>(image, shape, picture);
     default:
-        require(false, "no noise of this voxel type");
+        require(false, "no images of this voxel type");
     }
 }
 

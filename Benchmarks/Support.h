@@ -20,6 +20,7 @@ struct Shape
 inline constexpr Shape plane{"4096", 4096, 4096, 1};
 inline constexpr Shape volume{"256^3", 256, 256, 256};
 inline constexpr Shape tiny{"64", 64, 64, 1};
+inline constexpr Shape megapixel{"1024", 1024, 1024, 1}; // for what takes long
 
 template <class T> struct Voxel;
 template <> struct Voxel<unsigned char>
@@ -38,8 +39,21 @@ template <> struct Voxel<float>
     static constexpr char const* name = "float32";
 };
 
-/// The same noise on every run: voxels from 0 to 255, fractions in the float image.
-void fill(qel::memory::InMemoryImage& image, qel::VoxelTypes type, Shape const& shape);
+/// What an image shows; the letters are names of files.
+enum class Picture : char
+{
+    Noise = 'n',  ///< voxels from 0 to 255, fractions in the float image
+    Grey = 'g',   ///< smooth texture and some noise, over the range of integers; around 0 with deviation 1 in floats
+    Blobs = 'b',  ///< 1 where the texture is above its middle, 0 elsewhere; bytes
+    Marker = 'm', ///< the grey picture less three quarters of its deviation, and not below 0 where it is of integers
+    Seeds = 's',  ///< one blob voxel of 20000; bytes
+};
+
+/// The same image on every run. Where the environment variable QUELIDE_BENCH_IMAGES names a folder, it is read from
+/// there if it has the file (`<letter>_<shape>_<type>.raw`, voxels alone), and else made and left there, for others to
+/// measure the same voxels.
+void fill(qel::memory::InMemoryImage& image, qel::VoxelTypes type, Shape const& shape,
+          Picture picture = Picture::Noise);
 
 /// Ends the program where a result is not what it should be: a benchmark of a wrong result is worth nothing.
 void require(bool isTrue, char const* what);

@@ -1,0 +1,189 @@
+#!/usr/bin/env python3
+"""Times OpenCV, SciPy and scikit-image, whichever is there, on the images of the benchmarks.
+
+    peers.py IMAGES RESULT.json [--benchmark_filter=REGEX] [other options are not for here]
+
+IMAGES is the folder that QUELIDE_BENCH_IMAGES named when the benchmarks ran (see Support.h), RESULT.json gets the times
+under the names of the benchmarks: `table.py` puts them side by side. OpenCV gets both cores, the others have one.
+
+To add a line: a function, in the section of its library, that gets the parameters of the name and returns what is timed.
+"""
+import itertools
+import json
+import re
+import statistics
+import sys
+import time
+from importlib import import_module
+from pathlib import Path
+
+import numpy as np
+
+
+def optional(module):
+    try:
+        return import_module(module)
+    except ImportError:
+        print(f"no {module} here", file=sys.stderr)
+        return None
+
+
+cv2 = optional("cv2")
+ndimage = optional("scipy.ndimage")
+measure, restoration = optional("skimage.measure"), optional("skimage.restoration")
+names = {}
+if cv2:
+    cv2.setNumThreads(2)
+    names[cv2] = f"OpenCV {cv2.__version__}"
+if ndimage:
+    names[ndimage] = f"SciPy {import_module('scipy').__version__}"
+for module in (measure, restoration):
+    if module:
+        names[module] = f"scikit-image {import_module('skimage').__version__}"
+
+SHAPES = {"4096": (4096, 4096), "1024": (1024, 1024), "256^3": (256, 256, 256)}
+TYPES = ("uint8", "uint16", "float32")
+folder = Path(sys.argv[1])
+
+
+def picture(letter, shape, type="uint8"):
+    """n: noise, g: grey, b: blobs, m: marker, s: seeds."""
+    return np.fromfile(folder / f"{letter}_{shape}_{type}.raw", type).reshape(SHAPES[shape])
+
+
+runs = []
+
+
+def peer(module, name, **parameters):
+    """Registers the function for each combination of the parameters, where the library is there."""
+
+    def register(prepare):
+        for values in itertools.product(*parameters.values()) if module else ():
+            chosen = dict(zip(parameters, values))
+            runs.append((name.format(**chosen), names[module], lambda prepare=prepare, chosen=chosen: prepare(**chosen)))
+        return prepare
+
+    return register
+
+
+# Point operations
+
+
+@peer(cv2, "ArithmeticImageProcessing:add/{type}/scalar/4096", type=TYPES)
+def _(type):
+    a = picture("n", "4096", type)
+    wider = {"uint8": "int16", "uint16": "int32", "float32": "float32"}[type]
+    out, depth = np.zeros(a.shape, wider), {"uint8": cv2.CV_16S, "uint16": cv2.CV_32S, "float32": cv2.CV_32F}[type]
+    return lambda: cv2.add(a, a, out, dtype=depth)
+
+
+@peer(cv2, "Threshold/{type}/scalar/4096", type=TYPES)
+def _(type):
+    a = picture("n", "4096", type)
+    out = np.zeros(a.shape, "uint8")
+    return lambda: cv2.inRange(a, 64, 191.5, out)
+
+
+# Analysis
+
+
+@peer(cv2, "IntensityExtrema/{type}/sse/4096", type=TYPES)
+def _(type):
+    a = picture("n", "4096", type)
+    return lambda: cv2.minMaxLoc(a)
+
+
+# Filters
+
+
+@peer(cv2, "BoxFilter2D/{type}/scalar/4096/side:{side}", type=TYPES, side=(3, 7, 31, 101))
+def _(type, side):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: cv2.blur(a, (side, side), out, borderType=cv2.BORDER_REFLECT)
+
+
+@peer(ndimage, "BoxFilter2D/{type}/scalar/4096/side:{side}", type=TYPES, side=(31,))
+def _(type, side):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: ndimage.uniform_filter(a, side, out)
+
+
+@peer(ndimage, "BoxFilter3D/{type}/scalar/256^3/side:{side}", type=TYPES, side=(31,))
+def _(type, side):
+    a = picture("n", "256^3", type)
+    out = np.zeros_like(a)
+    return lambda: ndimage.uniform_filter(a, side, out)
+
+
+@peer(restoration, "NonLocalMeanFilter2D/float32/scalar/1024/patch:{patch}/window:6", patch=(1, 3, 10))
+def _(patch):
+    a = picture("n", "1024", "float32")
+    return lambda: restoration.denoise_nl_means(a, 2 * patch + 1, 6, 60, fast_mode=True)
+
+
+# Segmentation
+
+
+def binary(kind, shape):
+    return picture("b", shape) if kind == "blobs" else picture("n", shape) & 1
+
+
+KINDS = ("blobs", "noise")
+
+
+@peer(cv2, "Labeling/{kind}/uint32/scalar/4096", kind=KINDS)
+def _(kind):
+    a = binary(kind, "4096")
+    out = np.zeros(a.shape, "int32")
+    return lambda: cv2.connectedComponents(a, out, 8, cv2.CV_32S)
+
+
+@peer(ndimage, "Labeling/{kind}/uint32/scalar/{shape}", kind=KINDS, shape=("4096", "256^3"))
+def _(kind, shape):
+    a = binary(kind, shape)
+    out = np.zeros(a.shape, "int32")
+    return lambda: ndimage.label(a, np.ones((3,) * a.ndim), out)
+
+
+@peer(measure, "Labeling/{kind}/uint32/scalar/{shape}", kind=KINDS, shape=("4096", "256^3"))
+def _(kind, shape):
+    a = binary(kind, shape)
+    return lambda: measure.label(a, connectivity=a.ndim)
+
+
+# Classification
+
+
+@peer(cv2, "KMeansClassification4/{type}/scalar/4096", type=TYPES)
+def _(type):
+    a = picture("n", "4096", type).astype(np.float32).reshape(-1, 1)
+    ten = (cv2.TERM_CRITERIA_MAX_ITER, 10, 0)
+    return lambda: cv2.kmeans(a, 4, None, ten, 1, cv2.KMEANS_RANDOM_CENTERS)
+
+
+def median(run):
+    """Milliseconds: of one run where that takes seconds, and else of as many as half a second has, but three at least."""
+    times, end = [], 0
+    while not times or times[0] < 2000 and (len(times) < 4 or time.perf_counter() < end):
+        begin = time.perf_counter()
+        run()
+        times.append(1000 * (time.perf_counter() - begin))
+        end = end or time.perf_counter() + 0.5
+    return statistics.median(times[1:] or times)
+
+
+wanted = "".join(a.split("=", 1)[1] for a in sys.argv[3:] if a.startswith("--benchmark_filter="))
+results = []
+for name, library, prepare in runs:
+    if not re.search(wanted, name):
+        continue
+    try:
+        results.append({"run_name": name, "peer": library, "real_time": median(prepare())})
+    except FileNotFoundError as missing:
+        print(f"{name}: the benchmarks left no {Path(missing.filename).name}", file=sys.stderr)
+    except Exception as error:  # a type that the library does not take
+        print(f"{name}: {library}: {str(error).splitlines()[-1]}", file=sys.stderr)
+with open(sys.argv[2], "w") as file:
+    json.dump({"benchmarks": results}, file, indent=1)
