@@ -3,11 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <qel/AlgoPrecisionType.h>
 #include <qel/Components.h>
 #include <qel/DirectionTypes.h>
 #include <qel/EnumInfo.h>
 #include <qel/Exception.h>
 #include <qel/Interpretations.h>
+#include <qel/Neighborhood2DType.h>
+#include <qel/Neighborhood3DType.h>
 #include <qel/OptimLevelType.h>
 #include <qel/RealToIntConvertType.h>
 #include <qel/ScalarType.h>
@@ -123,6 +126,19 @@ TEST(OptimLevelType, isDescribed)
     EXPECT_EQ(VEC_SSE, 1);
     EXPECT_EQ(VEC_AVX, 2);
     EXPECT_EQ(GPU, 3);
+}
+
+TEST(Neighborhoods, areDescribed)
+{
+    expectDescribed(helper::neighborhood2DTypeInfo(), "Neighborhood2DType",
+                    {"QEL_NEIGHBORHOOD2D_4", "QEL_NEIGHBORHOOD2D_8"});
+    expectDescribed(helper::neighborhood3DTypeInfo(), "Neighborhood3DType",
+                    {"QEL_NEIGHBORHOOD3D_6", "QEL_NEIGHBORHOOD3D_18", "QEL_NEIGHBORHOOD3D_26"});
+}
+
+TEST(AlgoPrecisionType, isDescribed)
+{
+    expectDescribed(helper::algoPrecisionTypeInfo(), "AlgoPrecisionType", {"QEL_ALGO_FAST", "QEL_ALGO_PRECISE"});
 }
 
 TEST(ScalarType, isDescribed)
