@@ -16,6 +16,11 @@ namespace container {
 template <class T> class Vector;
 } // namespace container
 
+namespace kernel {
+class Kernel2D;
+class Kernel3D;
+} // namespace kernel
+
 /// Reads a value from its text form.
 ///
 /// `doIt` copies the text to `rest`, and answers whether the text was read and `value` stored; otherwise `value` stays
@@ -67,5 +72,11 @@ template <class E> struct Deserialization<container::Vector<E>>
 {
     static bool doIt(String const& text, container::Vector<E>& value, String& rest);
 };
+
+/// "@kernel2D:0_0_1+1_0_0.5": column, row and weight of each point, of which there is one at least. Without the prefix
+/// the kernel stays as it was; an entry that is no point leaves it with the points before.
+template <> bool Deserialization<kernel::Kernel2D>::doIt(String const& text, kernel::Kernel2D& value, String& rest);
+/// "@kernel3D:0_0_0_1+1_0_0_0.5": the same with plans.
+template <> bool Deserialization<kernel::Kernel3D>::doIt(String const& text, kernel::Kernel3D& value, String& rest);
 
 } // namespace qel

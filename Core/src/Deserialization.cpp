@@ -1,5 +1,6 @@
 #include "Core/private/Deserialization.h"
 
+#include <array>
 #include <limits>
 #include <optional>
 #include <string_view>
@@ -7,6 +8,8 @@
 
 #include <qel/Scalar.h>
 #include <qel/container/Vector.h>
+#include <qel/kernel/Kernel2D.h>
+#include <qel/kernel/Kernel3D.h>
 #include <qel/math/Vector2.h>
 #include <qel/math/Vector3.h>
 #include <qel/math/Vector4.h>
@@ -123,6 +126,25 @@ template <class E> bool readElement(std::string_view text, math::Vector4<E>& val
     return readPoint("@v4:", text, value);
 }
 
+// The points of a kernel; numbers are what streams make of the fields.
+template <std::size_t dimensions, class AddPoint> bool readKernelPoints(std::string_view text, AddPoint const& addPoint)
+{
+    for (std::string_view const entry : split(text, '+')) {
+        auto const fields = split(entry, '_');
+        if (fields.size() != dimensions + 1)
+            return false;
+        std::array<long, dimensions> offset;
+        for (std::size_t axis = 0; axis < dimensions; ++axis)
+            if (!(ClassicReader(fields[axis]) >> offset[axis]))
+                return false;
+        double weight = 0;
+        if (!(ClassicReader(fields[dimensions]) >> weight))
+            return false;
+        addPoint(offset, weight);
+    }
+    return true;
+}
+
 std::string_view view(String const& text) { return std::string_view(text.c_str(), text.length()); }
 
 } // namespace
@@ -224,6 +246,28 @@ bool Deserialization<container::Vector<E>>::doIt(String const& text, container::
     }
     value = read;
     return true;
+}
+
+template <> bool Deserialization<kernel::Kernel2D>::doIt(String const& text, kernel::Kernel2D& value, String& rest)
+{
+    rest = text;
+    auto const points = behind("@kernel2D:", view(text));
+    if (!points || points->empty())
+        return false;
+    value.clear();
+    return readKernelPoints<2>(
+        *points, [&](std::array<long, 2> const& o, double weight) { value.addPoint(o[0], o[1], weight); });
+}
+
+template <> bool Deserialization<kernel::Kernel3D>::doIt(String const& text, kernel::Kernel3D& value, String& rest)
+{
+    rest = text;
+    auto const points = behind("@kernel3D:", view(text));
+    if (!points || points->empty())
+        return false;
+    value.clear();
+    return readKernelPoints<3>(
+        *points, [&](std::array<long, 3> const& o, double weight) { value.addPoint(o[0], o[1], o[2], weight); });
 }
 
 #define QEL_POINT_FORMS(E)                                                                                             \

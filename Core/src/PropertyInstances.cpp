@@ -5,6 +5,8 @@
 #include <qel/Scalar.h>
 #include <qel/ScalarArray.h>
 #include <qel/container/Vector.h>
+#include <qel/kernel/Kernel2D.h>
+#include <qel/kernel/Kernel3D.h>
 #include <qel/math/Matrix2.h>
 #include <qel/math/Matrix3.h>
 #include <qel/math/Vector2.h>
@@ -53,6 +55,9 @@ template class QEL_API Property<container::Vector<unsigned int>>;
 template class QEL_API Property<container::Vector<unsigned long>>;
 template class QEL_API Property<container::Vector<math::Vector2<int>>>;
 template class QEL_API Property<container::Vector<math::Vector3<int>>>;
+
+template class QEL_API Property<kernel::Kernel2D>;
+template class QEL_API Property<kernel::Kernel3D>;
 
 template class QEL_API Property<ImageModel const*>;
 template class QEL_API Property<ImageModel*>;

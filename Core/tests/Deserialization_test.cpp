@@ -9,6 +9,8 @@
 #include <qel/Scalar.h>
 #include <qel/ScalarArray.h>
 #include <qel/container/Vector.h>
+#include <qel/kernel/Kernel2D.h>
+#include <qel/kernel/Kernel3D.h>
 #include <qel/math/Matrix2.h>
 #include <qel/math/Matrix3.h>
 #include <qel/math/Vector2.h>
@@ -243,6 +245,57 @@ TEST(Deserialization, refusesVectorsWithoutPrefixOrWithAWrongElement)
         expectRefused(text, vectorOf<double>({4, 5}));
 }
 
+TEST(Deserialization, readsKernels)
+{
+    kernel::Kernel2D flat;
+    flat.addPoint(0, 0, 1);
+    flat.addPoint(1, 0, 0.5);
+    expectRead("@kernel2D:0_0_1+1_0_0.5", flat);
+    flat.addPoint(1, 0, -1e-300);
+    expectRead("@kernel2D:0_0_1+1_0_5e-1+1_0_-1e-300", flat);
+    expectRead("@kernel2D: 0_ 0_1mm+1x_0.9_.5+1_0_-1e-300", flat); // numbers as streams read them
+    kernel::Kernel3D solid;
+    solid.addPoint(-1, 2, -3, 4);
+    expectRead("@kernel3D:-1_2_-3_4", solid);
+    solid.addPoint(0, 0, 0, 0.25);
+    expectRead("@kernel3D:-1_2_-3_4+0_0_0_0.25", solid);
+}
+
+TEST(Deserialization, leavesAKernelAloneWithoutAPrefixAndPoints)
+{
+    kernel::Kernel2D flat;
+    flat.addPoint(3, 4, 5);
+    for (char const* text : {"", "0_0_1", "@kernel2D", "@kernel2D:", "@kernel3D:0_0_1", "@kernel3D:0_0_0_1",
+                             " @kernel2D:0_0_1", "@Kernel2D:0_0_1", "@v:1"})
+        expectRefused(text, flat);
+    kernel::Kernel3D solid;
+    solid.addPoint(3, 4, 5, 6);
+    for (char const* text : {"", "0_0_0_1", "@kernel3D", "@kernel3D:", "@kernel2D:0_0_1", "@kernel2D:0_0_0_1"})
+        expectRefused(text, solid);
+}
+
+TEST(Deserialization, keepsThePointsBeforeAnEntryThatIsNone)
+{
+    kernel::Kernel2D one;
+    one.addPoint(1, 2, 3);
+    for (char const* text :
+         {"@kernel2D:1_2_3+", "@kernel2D:1_2_3+1_2", "@kernel2D:1_2_3+1_2_3_4+5_6_7", "@kernel2D:1_2_3++5_6_7",
+          "@kernel2D:1_2_3+_", "@kernel2D:1_2_3+x_2_3", "@kernel2D:1_2_3+1_2_x", "@kernel2D:1_2_3+1_2_3e+5"}) {
+        SCOPED_TRACE(text);
+        kernel::Kernel2D value;
+        value.addPoint(7, 8, 9);
+        String rest;
+        EXPECT_FALSE(Deserialization<kernel::Kernel2D>::doIt(text, value, rest));
+        EXPECT_TRUE(value == one);
+        EXPECT_STREQ(rest.c_str(), text);
+    }
+    kernel::Kernel3D none;
+    none.addPoint(7, 8, 9, 10);
+    String rest;
+    EXPECT_FALSE(Deserialization<kernel::Kernel3D>::doIt("@kernel3D:1_2_3", none, rest));
+    EXPECT_EQ(none.getNumOfPoints(), 0u);
+}
+
 TEST(Deserialization, readsNothingForTypesWithoutATextForm)
 {
     int number = 5;
@@ -267,5 +320,8 @@ TEST(Deserialization, readsNumbersAlikeInEveryLocale)
     expectRead("true", true);
     expectRead("@v2:0.5_1.25", math::Vector2<double>(0.5, 1.25));
     expectRead("@v:0.5#1.25", vectorOf<double>({0.5, 1.25}));
+    kernel::Kernel2D kernel;
+    kernel.addPoint(1234, 0, 0.5);
+    expectRead("@kernel2D:1234_0_0.5", kernel);
     expectRefused("@v:1.234", vectorOf<int>({1}));
 }
