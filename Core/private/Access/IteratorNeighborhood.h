@@ -7,6 +7,7 @@
 
 #include <qel/AlgoBorderInfluence.h>
 
+#include <array>
 #include <vector>
 
 namespace qel::access {
@@ -78,28 +79,18 @@ private:
     std::vector<unsigned long> m_slots; // of each step in z, from the lowest on
 };
 
-/// A fixed shape: one pointer for each step, in the order of `Shape::steps`, all moved together.
-template <class Rows, class Shape, int N> class IteratorFixedNeighborhood : public Rows
+/// Steps through a block with one pointer for each step of a neighbourhood, all moved together. `Neighborhood` is the
+/// derived class, whose `point` sets `m_pointers` (an array or a vector) at the start of a row.
+template <class Rows, class Neighborhood, class Pointers, int N> class PointedNeighborhood : public Rows
 {
 public:
     using typename Rows::VoxelType;
-    static constexpr int size = static_cast<int>(Shape::steps.size());
-    static constexpr int centre = centreOf(Shape::steps);
-
-    explicit IteratorFixedNeighborhood(boost::shared_ptr<typename Rows::ViewType const> view)
-        : Rows(view, Shape::steps.front().z < 0 ? Step{-1, -1, -1} : Step{-1, -1, 0},
-               Shape::steps.front().z < 0 ? Step{1, 1, 1} : Step{1, 1, 0})
-    {}
 
     template <class B> void init(B const& block)
     {
         Rows::init(block);
         point();
     }
-
-    VoxelType const* pointer(int index) const { return m_pointers[index]; }
-    VoxelType const& operator[](int index) const { return *m_pointers[index]; }
-    VoxelType const& operator*() const { return *m_pointers[centre]; }
 
     void operator++()
     {
@@ -117,6 +108,40 @@ public:
         if (this->toNextRow())
             point();
     }
+
+protected:
+    using Rows::Rows;
+
+    Pointers m_pointers;
+
+private:
+    void point() { static_cast<Neighborhood*>(this)->point(); }
+};
+
+/// A fixed shape: one pointer for each step, in the order of `Shape::steps`, all moved together.
+template <class Rows, class Shape, int N>
+class IteratorFixedNeighborhood
+    : public PointedNeighborhood<Rows, IteratorFixedNeighborhood<Rows, Shape, N>,
+                                 std::array<typename Rows::VoxelType const*, Shape::steps.size()>, N>
+{
+    using Base = PointedNeighborhood<Rows, IteratorFixedNeighborhood,
+                                     std::array<typename Rows::VoxelType const*, Shape::steps.size()>, N>;
+    friend Base;
+    using Base::m_pointers;
+
+public:
+    using typename Rows::VoxelType;
+    static constexpr int size = static_cast<int>(Shape::steps.size());
+    static constexpr int centre = centreOf(Shape::steps);
+
+    explicit IteratorFixedNeighborhood(boost::shared_ptr<typename Rows::ViewType const> view)
+        : Base(view, Shape::steps.front().z < 0 ? Step{-1, -1, -1} : Step{-1, -1, 0},
+               Shape::steps.front().z < 0 ? Step{1, 1, 1} : Step{1, 1, 0})
+    {}
+
+    VoxelType const* pointer(int index) const { return m_pointers[index]; }
+    VoxelType const& operator[](int index) const { return *m_pointers[index]; }
+    VoxelType const& operator*() const { return *m_pointers[centre]; }
 
 private:
     void point()
@@ -126,13 +151,18 @@ private:
             m_pointers[index] = this->rowAt(step.y, step.z) + step.x;
         }
     }
-
-    VoxelType const* m_pointers[size];
 };
 
 /// Any list of offsets: one pointer for each of them, in their order.
-template <class Rows, class Offset, int N> class IteratorGeneralNeighborhood : public Rows
+template <class Rows, class Offset, int N>
+class IteratorGeneralNeighborhood : public PointedNeighborhood<Rows, IteratorGeneralNeighborhood<Rows, Offset, N>,
+                                                               std::vector<typename Rows::VoxelType const*>, N>
 {
+    using Base =
+        PointedNeighborhood<Rows, IteratorGeneralNeighborhood, std::vector<typename Rows::VoxelType const*>, N>;
+    friend Base;
+    using Base::m_pointers;
+
 public:
     using typename Rows::VoxelType;
 
@@ -142,38 +172,14 @@ public:
     /// How far the offsets reach beyond the centre.
     AlgoBorderInfluence getAlgoBorderInfluence() const;
 
-    template <class B> void init(B const& block)
-    {
-        Rows::init(block);
-        point();
-    }
-
     unsigned long size() const { return m_pointers.size(); }
     VoxelType const* pointer(unsigned long index) const { return m_pointers[index]; }
     VoxelType const& operator[](unsigned long index) const { return *m_pointers[index]; }
-
-    void operator++()
-    {
-        if (this->m_column < this->m_lastColumn) {
-            this->m_column += N;
-            for (VoxelType const*& voxel : m_pointers)
-                voxel += N;
-        } else {
-            nextRow();
-        }
-    }
-
-    void nextRow()
-    {
-        if (this->toNextRow())
-            point();
-    }
 
 private:
     void point();
 
     std::vector<Offset> m_offsets;
-    std::vector<VoxelType const*> m_pointers;
 };
 
 template <class View, int N>

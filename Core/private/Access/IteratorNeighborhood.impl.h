@@ -113,10 +113,11 @@ inline Reach reachOf(std::vector<kernel::Offset3D> const& offsets)
 template <class Rows, class Offset, int N>
 IteratorGeneralNeighborhood<Rows, Offset, N>::IteratorGeneralNeighborhood(
     boost::shared_ptr<typename Rows::ViewType const> view, std::vector<Offset> const& offsets)
-    : Rows(view, reachOf(offsets).lowest, reachOf(offsets).highest)
+    : Base(view, reachOf(offsets).lowest, reachOf(offsets).highest)
     , m_offsets(offsets)
-    , m_pointers(offsets.size())
-{}
+{
+    m_pointers.resize(offsets.size());
+}
 
 template <class Rows, class Offset, int N>
 AlgoBorderInfluence IteratorGeneralNeighborhood<Rows, Offset, N>::getAlgoBorderInfluence() const
