@@ -21,14 +21,6 @@ template <class T> Picture<T> shifted(Picture<T> picture, unsigned int count, bo
     return picture;
 }
 
-template <class Callable> void forEachIntegerType(Callable&& callable)
-{
-    forEachVoxelType([&]<class T>() {
-        if constexpr (std::is_integral_v<T>)
-            callable.template operator()<T>();
-    });
-}
-
 class BitShiftTest : public testing::Test
 {
 protected:

@@ -22,14 +22,6 @@ template <class T> Picture<T> inverted(Picture<T> picture, unsigned int bits)
     return picture;
 }
 
-template <class Callable> void forEachIntegerType(Callable&& callable)
-{
-    forEachVoxelType([&]<class T>() {
-        if constexpr (std::is_integral_v<T>)
-            callable.template operator()<T>();
-    });
-}
-
 class InvertImageTest : public testing::Test
 {
 protected:

@@ -117,8 +117,9 @@ template <class Callable> void forEachIntegerVoxelType(Callable&& callable)
     });
 }
 
-template <class Algorithm> void expectRegistered(char const* name)
+template <class Algorithm> void expectRegistered(std::string const& className)
 {
+    char const* const name = className.c_str();
     EXPECT_EQ(Algorithm::getClassInfo()->getName(), String(name));
     EXPECT_EQ(Algorithm::getClassInfo()->getLibName(), String("Quelide"));
     EXPECT_EQ(AlgoInfo::fromName(name), Algorithm::getClassInfo());

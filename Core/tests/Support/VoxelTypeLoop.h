@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 namespace qel::test {
 
 /// "uint8" and so on.
@@ -24,6 +26,15 @@ template <class Callable> void forEachVoxelType(Callable&& callable)
     }
     QEL_FOR_EACH_VOXEL_TYPE(QEL_CALL)
 #undef QEL_CALL
+}
+
+/// The same for the integer types alone.
+template <class Callable> void forEachIntegerType(Callable&& callable)
+{
+    forEachVoxelType([&]<class T>() {
+        if constexpr (std::is_integral_v<T>)
+            callable.template operator()<T>();
+    });
 }
 
 /// Calls a lambda `[]<class A, class B>() {...}` for all hundred ordered pairs of types.
