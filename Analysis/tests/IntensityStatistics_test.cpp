@@ -1,5 +1,6 @@
 #include <qel/analysis/IntensityStatistics.h>
 
+#include "Analysis/private/IntensityStatisticsScalarGeneric.h"
 #include "Core/tests/Support/Algorithms.h"
 
 #include <bit>
@@ -135,6 +136,37 @@ TEST_F(IntensityStatisticsTest, sumsTheEndsOfNarrowTypesExactly)
     check((unsigned short)65535);
     check((short)-32768);
     check((short)32767);
+}
+
+TEST_F(IntensityStatisticsTest, findsExtremaInWhicheverBlockTheyAre)
+{
+    onOneAndFourThreads([&] {
+        for (Shape const& shape : {Shape{8193, 65}, Shape{16400, 3, 17}, Shape{40, 129, 33}})
+            for (bool const isLowFirst : {true, false}) {
+                Picture<int> picture = randomPictureBetween<int>(shape, 3, -5, 5);
+                picture.voxels.front() = isLowFirst ? -6 : 6;
+                picture.voxels.back() = -picture.voxels.front();
+                runOn(picture);
+                expectExactly(picture);
+            }
+    });
+}
+
+TEST_F(IntensityStatisticsTest, sumsRowsOfAnyLengthExactly)
+{
+    // Longer than any block: what is added up in narrow totals must not depend on how blocks are cut.
+    auto const check = [](auto value) {
+        std::vector<decltype(value)> const row(100'001, value);
+        double sum = 0, squares = 0;
+        analysis::addRow(row.data(), row.size(), sum, squares);
+        EXPECT_EQ(sum, 100'001.0 * value);
+        EXPECT_EQ(squares, 100'001.0 * value * value);
+    };
+    check((unsigned char)255);
+    check((signed char)-128);
+    check((unsigned short)65535);
+    check((short)-32768);
+    check(-65537);
 }
 
 TEST_F(IntensityStatisticsTest, sumsEveryTypeCloselyWhereSumsRound)
