@@ -294,5 +294,32 @@ TEST(InMemoryImage, takesAllFourRowOperationsFromAnOverriddenGetRowAt)
     EXPECT_FALSE(image.writeRowAt(5, voxels, 0, 0, 0, 0, 0));
 }
 
+TEST(InMemoryImage, givesBackTheRowsOfALargeImage)
+{
+    memory::InMemoryImage image;
+    ASSERT_TRUE(image.reserve(QEL_UINT16, 4000, 2100, 1, 1, 1)); // rows of 8000 bytes, written past the caches
+    std::vector<unsigned short> row(4000);
+    for (unsigned long y = 0; y < 2100; ++y) {
+        for (unsigned long x = 0; x < 4000; ++x)
+            row[x] = static_cast<unsigned short>(13 * x + 7 * y);
+        ASSERT_TRUE(image.writeRowAt(4000, reinterpret_cast<unsigned char const*>(row.data()), 0, y, 0, 0, 0));
+    }
+    memory::InMemoryImage copy(image);
+    unsigned short const inner[] = {1, 2, 3};
+    ASSERT_TRUE(copy.writeRowAt(3, reinterpret_cast<unsigned char const*>(inner), 100, 2099, 0, 0, 0));
+    ASSERT_TRUE(copy.writeRowAt(1500, reinterpret_cast<unsigned char const*>(row.data()), 1001, 0, 0, 0, 0));
+    for (unsigned long y = 0; y < 2100; ++y) {
+        ASSERT_TRUE(copy.readRowAt(4000, reinterpret_cast<unsigned char*>(row.data()), 0, y, 0, 0, 0));
+        for (unsigned long x = 0; x < 4000; ++x) {
+            unsigned long expected = 13 * x + 7 * y;
+            if (y == 2099 && x >= 100 && x < 103)
+                expected = x - 99;
+            if (y == 0 && x >= 1001 && x < 2501)
+                expected = 13 * (x - 1001) + 7 * 2099;
+            ASSERT_EQ(row[x], static_cast<unsigned short>(expected)) << x << ", " << y;
+        }
+    }
+}
+
 } // namespace
 } // namespace qel::test

@@ -1,5 +1,7 @@
 #include <qel/memory/InMemoryImage.h>
 
+#include "Core/private/Helper/copyBytes.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -7,6 +9,9 @@
 namespace qel::memory {
 
 namespace {
+
+/// An image of so many bytes has left the caches before anybody reads it again.
+constexpr unsigned long largeImage = 16ul << 20;
 
 /// Product of all factors; false if it does not fit. A factor of 0 makes it 0, however large the others are.
 bool checkedProduct(std::initializer_list<unsigned long> factors, unsigned long& product)
@@ -28,6 +33,7 @@ InMemoryImage::InMemoryImage()
     , interpretation(QEL_VALUE)
     , buffer(nullptr)
     , voxelSize(sizeOfVoxelType(QEL_UINT8))
+    , isLarge(false)
 {}
 
 InMemoryImage::InMemoryImage(InMemoryImage const& other)
@@ -51,6 +57,7 @@ InMemoryImage& InMemoryImage::operator=(InMemoryImage const& other)
     temporalUnitName = other.temporalUnitName;
     voxelType = other.voxelType;
     voxelSize = other.voxelSize;
+    isLarge = other.isLarge;
     std::copy(other.sizes, other.sizes + 5, sizes);
     std::copy(other.origins, other.origins + 5, origins);
     std::copy(other.spacings, other.spacings + 5, spacings);
@@ -145,7 +152,7 @@ bool InMemoryImage::readRowAt(unsigned long numOfVoxels, unsigned char* destinat
     unsigned char const* source = nullptr;
     if (!getConstRowAt(numOfVoxels, source, column, row, plan, time, spectral))
         return false;
-    std::memmove(destination, source, numOfVoxels * voxelSize);
+    helper::copyBytes(destination, source, numOfVoxels * voxelSize);
     return true;
 }
 
@@ -156,7 +163,10 @@ bool InMemoryImage::writeRowAt(unsigned long numOfVoxels, unsigned char const* s
     if (!getRowAt(numOfVoxels, destination, column, row, plan, time, spectral))
         return false;
     // A caller may hand back the row that it got from this image.
-    std::memmove(destination, source, numOfVoxels * voxelSize);
+    if (isLarge)
+        helper::copyBytesPastCaches(destination, source, numOfVoxels * voxelSize);
+    else
+        helper::copyBytes(destination, source, numOfVoxels * voxelSize);
     return true;
 }
 
@@ -200,6 +210,7 @@ bool InMemoryImage::reserve(VoxelTypes const& type, unsigned long columns, unsig
     buffer = new unsigned char[numOfBytes];
     voxelType = type;
     voxelSize = sizeOfVoxelType(type);
+    isLarge = numOfBytes >= largeImage;
     sizes[COLUMNS] = columns;
     sizes[ROWS] = rows;
     sizes[PLANS] = plans;

@@ -76,6 +76,7 @@ private:
     Interpretations interpretation;
     unsigned char* buffer;
     unsigned long voxelSize; // in bytes, of voxelType
+    bool isLarge;            // more than caches hold
 };
 
 } // namespace qel::memory
