@@ -4,8 +4,8 @@ import re
 import project
 
 LAYERS = [{"Math", "Core"},
-          {"PointOperations", "LinearFiltering", "Filtering", "NonlinearFiltering", "Miscellaneous", "Analysis", "Tools"},
-          {"Morphology", "Segmentation"},
+          {"PointOperations", "LinearFiltering", "Filtering", "Miscellaneous", "Analysis", "Tools"},
+          {"NonlinearFiltering", "Morphology", "Segmentation"},
           {"Classification", "Registration", "Geometry"}]
 RANK = {module: rank for rank, layer in enumerate(LAYERS) for module in layer}
 EVERYTHING = "qel/quelide.h"  # the header of all headers

@@ -110,8 +110,13 @@ public:
 
     SlidingWindowProcessor() = default;
     SlidingWindowProcessor(boost::shared_ptr<View const> view, std::vector<Offset> const& offsets, Computer* computer)
+        : SlidingWindowProcessor(view, boost::make_shared<SlidingOffsets<Offset>>(offsets), computer)
+    {}
+    /// For many processors over one window.
+    SlidingWindowProcessor(boost::shared_ptr<View const> view, boost::shared_ptr<SlidingOffsets<Offset> const> offsets,
+                           Computer* computer)
         : m_view(view)
-        , m_offsets(boost::make_shared<SlidingOffsets<Offset>>(offsets))
+        , m_offsets(offsets)
         , m_computer(computer)
     {}
     SlidingWindowProcessor(SlidingWindowProcessor const& other)

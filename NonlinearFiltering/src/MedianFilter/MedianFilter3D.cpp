@@ -1,0 +1,52 @@
+#include <qel/nonlinear_filtering/MedianFilter3D.h>
+
+#include "Core/private/DefineAlgorithm.h"
+#include "Core/private/Rules/Asserts.h"
+#include "NonlinearFiltering/private/MedianFilter/MedianComputerInfo.h"
+
+#include <qel/EnumInfo.h>
+
+namespace qel::nonlinear_filtering {
+
+QEL_DEFINE_ALGORITHM(MedianFilter3D)
+
+namespace {
+
+EnumInfo& neighborhoodShape3DTypeInfo()
+{
+    static EnumInfo info("NeighborhoodShape3DType", "QEL_CUBE = 0, QEL_BALL");
+    return info;
+}
+
+} // namespace
+
+void MedianFilter3D::init()
+{
+    addInput(&input);
+    declare(input, "input", nullptr, ASSERT_NOT_NULL);
+    addInput(&neighborhoodSize);
+    declare(neighborhoodSize, "neighborhoodSize", 3u, ASSERT_POSITIVE_ONLY);
+    addInput(&neighborhoodShape);
+    neighborhoodShape.setEnumInfo(&neighborhoodShape3DTypeInfo());
+    declare(neighborhoodShape, "neighborhoodShape", QEL_CUBE, AddRuleIsAnEnumOfType(&neighborhoodShape3DTypeInfo()));
+    addInput(&searchMode);
+    searchMode.setEnumInfo(&details::medianComputationTypeInfo());
+    declare(searchMode, "searchMode", AUTOMATIC, AddRuleIsAnEnumOfType(&details::medianComputationTypeInfo()));
+    addOutput(&output);
+    declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
+            AddRuleEnforceSameInterpretation(&input));
+}
+
+AlgoBorderInfluence MedianFilter3D::getAlgoBorderInfluence() const
+{
+    unsigned int const size = neighborhoodSize;
+    return AlgoBorderInfluence(size, size, size, 0, 0);
+}
+
+void MedianFilter3D::applyAllRules()
+{
+    BaseAlgorithm::applyAllRules();
+    details::checkSearchMode(*input.get(), searchMode);
+}
+
+} // namespace qel::nonlinear_filtering
