@@ -2,8 +2,8 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/Rules/RuleKeepInputType.h"
 #include "Core/private/Rules/RuleOfOneRun.h"
-#include "Filtering/private/RuleKeepInputType.h"
 #include "Filtering/private/computeWorkType.h"
 
 namespace qel::filtering::smoothing {

@@ -172,6 +172,21 @@ private:
     VoxelTypes type_;
 };
 
+/// Stands before the rule that gives an output its type.
+class AddRuleKeepInputType
+{
+public:
+    AddRuleKeepInputType(ImageReference const& input, VoxelTypes type)
+        : input_(detail::required(input))
+        , type_(type)
+    {}
+    void operator()(Property<ImageModel*>& property) const;
+
+private:
+    ImageReference input_;
+    VoxelTypes type_;
+};
+
 class AddRuleEnforceInterpretation
 {
 public:

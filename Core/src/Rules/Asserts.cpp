@@ -14,6 +14,7 @@
 #include "Core/private/Rules/RuleEnforceType.h"
 #include "Core/private/Rules/RuleEnforceTypePromotionImageImage.h"
 #include "Core/private/Rules/RuleEnforceTypePromotionImageValue.h"
+#include "Core/private/Rules/RuleKeepInputType.h"
 #include "Core/private/Rules/RuleSetInterpretation.h"
 
 namespace qel {
@@ -113,6 +114,11 @@ void AddRuleAssertSameType::operator()(Property<ImageModel*>& property) const
 void AddRuleEnforceType::operator()(Property<ImageModel*>& property) const
 {
     detail::push<ImageModel*>(property, new RuleEnforceType(type_));
+}
+
+void AddRuleKeepInputType::operator()(Property<ImageModel*>& property) const
+{
+    detail::push<ImageModel*>(property, new RuleKeepInputType(input_, type_));
 }
 
 void AddRuleEnforceInterpretation::operator()(Property<ImageModel*>& property) const

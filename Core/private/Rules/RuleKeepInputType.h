@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Core/private/Helper/underlyingImage.h"
 #include "Core/private/Rules/ImageReference.h"
 #include "Core/private/Rules/Rules.h"
 #include "Core/private/Throw.h"
@@ -7,7 +8,7 @@
 #include <qel/Exception.h>
 #include <qel/ImageModel.h>
 
-namespace qel::filtering::smoothing {
+namespace qel {
 
 /// Refuses an output that is the input, where it would have to become another voxel type: its voxels would be lost.
 class RuleKeepInputType : public Rules<Property<ImageModel*>>
@@ -21,7 +22,8 @@ public:
     void apply(Property<ImageModel*>& property) override
     {
         ImageModel const* const input = m_input.getImage();
-        if (input && input == property.get() && input->getVoxelType() != m_type)
+        if (input && helper::underlyingImage(input) == helper::underlyingImage(property.get()) &&
+            input->getVoxelType() != m_type)
             QEL_THROW(RuleException, "The parameter \"" << m_input.getName()
                                                         << "\" cannot be used as output image if it must be retyped.");
     }
@@ -31,4 +33,4 @@ private:
     VoxelTypes m_type;
 };
 
-} // namespace qel::filtering::smoothing
+} // namespace qel
