@@ -24,7 +24,7 @@ qel_check(public_headers ${includes} ${PROJECT_BINARY_DIR}/include -- ${CMAKE_CX
 # What a sanitizer adds is no export of ours, and its run-time library no part of a package.
 if(NOT QUELIDE_SANITIZE)
   qel_check(exported_symbols ${CMAKE_NM} $<TARGET_FILE:quelide>)
-  get_property(objects GLOBAL PROPERTY QUELIDE_SSE41_OBJECTS)
+  get_property(objects GLOBAL PROPERTY QUELIDE_LEVEL_OBJECTS)
   if(CMAKE_BUILD_TYPE STREQUAL Release AND objects)
     qel_check(level_leaks ${CMAKE_NM} ${objects})
   endif()

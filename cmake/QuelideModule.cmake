@@ -1,12 +1,13 @@
 # All build policy, in one place.
 #
-# qel_module(Name SOURCES ... KERNELS ... SSE41 ... TESTS ... SLOW_TESTS ...)
+# qel_module(Name SOURCES ... KERNELS ... SSE41 ... AVX2 ... TESTS ... SLOW_TESTS ...)
 #
 # One folder, one object library. Each unit is compiled once and serves the shared library and the tests alike: so tests
 # see hidden classes, and no linker drops a unit that only registers itself.
 #   SOURCES     plain units
 #   KERNELS     units whose loops the compiler shall vectorise (-O3)
 #   SSE41       units of row kernels for SSE 4.1, and nothing else: see ARCHITECTURE.md on levels
+#   AVX2        the same for AVX2: wider packets behind the runners of SSE 4.1
 #   TESTS       GoogleTest units, linked into one executable test_<Name>, label `unit`
 #   SLOW_TESTS  the same in test_<Name>_slow, label `slow`
 #
@@ -44,7 +45,7 @@ if(QUELIDE_SANITIZE)
 endif()
 
 function(qel_module name)
-  cmake_parse_arguments(arg "" "" "SOURCES;KERNELS;SSE41;TESTS;SLOW_TESTS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;KERNELS;SSE41;AVX2;TESTS;SLOW_TESTS" ${ARGN})
   if(arg_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "qel_module(${name}): unknown ${arg_UNPARSED_ARGUMENTS}")
   endif()
@@ -52,7 +53,7 @@ function(qel_module name)
   set_property(GLOBAL APPEND PROPERTY QUELIDE_INCLUDE_DIRECTORIES ${CMAKE_CURRENT_SOURCE_DIR}/include)
   target_include_directories(quelide_policy INTERFACE ${CMAKE_CURRENT_SOURCE_DIR}/include)
 
-  set(units ${arg_SOURCES} ${arg_KERNELS} ${arg_SSE41})
+  set(units ${arg_SOURCES} ${arg_KERNELS} ${arg_SSE41} ${arg_AVX2})
   if(units)
     add_library(${target} OBJECT ${units})
     set_target_properties(${target} PROPERTIES
@@ -65,14 +66,17 @@ function(qel_module name)
   if(arg_KERNELS)
     set_source_files_properties(${arg_KERNELS} PROPERTIES COMPILE_OPTIONS "$<$<NOT:$<CONFIG:Debug>>:-O3>")
   endif()
-  if(arg_SSE41)
-    set_source_files_properties(${arg_SSE41} PROPERTIES COMPILE_OPTIONS "$<$<NOT:$<CONFIG:Debug>>:-O3>;-msse4.1")
-    foreach(unit IN LISTS arg_SSE41)
+  foreach(level SSE41 AVX2)
+    set(flag_of_SSE41 -msse4.1)
+    set(flag_of_AVX2 -mavx2)
+    foreach(unit IN LISTS arg_${level})
+      set_source_files_properties(${unit} PROPERTIES
+        COMPILE_OPTIONS "$<$<NOT:$<CONFIG:Debug>>:-O3>;${flag_of_${level}}")
       # Where Ninja and Make put the object of a unit.
-      set_property(GLOBAL APPEND PROPERTY QUELIDE_SSE41_OBJECTS
+      set_property(GLOBAL APPEND PROPERTY QUELIDE_LEVEL_OBJECTS
         ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}.dir/${unit}.o)
     endforeach()
-  endif()
+  endforeach()
 
   if(arg_TESTS)
     qel_test(test_${name} LABEL unit SOURCES ${arg_TESTS})

@@ -34,6 +34,8 @@ HOST_NAME(double, "double")
 HOST_NAME(qel::String, "String")
 HOST_NAME(qel::Scalar, "Scalar")
 HOST_NAME(qel::ScalarArray, "ScalarArray")
+HOST_NAME(qel::kernel::Kernel2D, "Kernel2D")
+HOST_NAME(qel::kernel::Kernel3D, "Kernel3D")
 #undef HOST_NAME
 #define HOST_NAME(Template, text)                                                                                      \
     template <class T> struct Name<Template<T>>                                                                        \
@@ -102,6 +104,10 @@ private:
         T value{};
         if constexpr (requires { value.resize(2); })
             value.resize(2);
+        if constexpr (std::is_same_v<T, qel::kernel::Kernel2D>)
+            value.addPoint(0, 0, 1);
+        if constexpr (std::is_same_v<T, qel::kernel::Kernel3D>)
+            value.addPoint(0, 0, 0, 1);
         return formOf(value);
     }
 
@@ -290,6 +296,8 @@ Maker const kinds[] = {
     value<qel::String>,
     value<qel::Scalar>,
     value<qel::ScalarArray>,
+    value<qel::kernel::Kernel2D>,
+    value<qel::kernel::Kernel3D>,
     value<Vector2<int>>,
     value<Vector2<unsigned int>>,
     value<Vector2<long>>,

@@ -1,5 +1,7 @@
 #include "TextForms.h"
 
+#include <qel/linear_filtering/kernel_factory.h>
+
 #include <cmath>
 
 namespace host {
@@ -57,7 +59,19 @@ std::string formOf(qel::Scalar const& value)
 
 std::string formOf(qel::ScalarArray const& value) { return toText(jsonOf(value)); }
 
+std::string formOf(qel::kernel::Kernel2D const& value)
+{
+    return toStdString(qel::linear_filtering::kernel_factory::kernel2DToString(value));
+}
+
+std::string formOf(qel::kernel::Kernel3D const& value)
+{
+    return toStdString(qel::linear_filtering::kernel_factory::kernel3DToString(value));
+}
+
 Json jsonOf(qel::String const& value) { return toStdString(value); }
+Json jsonOf(qel::kernel::Kernel2D const& value) { return formOf(value); }
+Json jsonOf(qel::kernel::Kernel3D const& value) { return formOf(value); }
 
 Json jsonOf(qel::Scalar const& value)
 {

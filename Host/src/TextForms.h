@@ -6,6 +6,8 @@
 #include <qel/ScalarArray.h>
 #include <qel/String.h>
 #include <qel/container/Vector.h>
+#include <qel/kernel/Kernel2D.h>
+#include <qel/kernel/Kernel3D.h>
 #include <qel/math/Matrix2.h>
 #include <qel/math/Matrix3.h>
 #include <qel/math/Vector2.h>
@@ -38,6 +40,8 @@ std::string formOf(qel::String const& value);
 /// With a point in a real and a sign before a signed integer, which is how they are told apart.
 std::string formOf(qel::Scalar const& value);
 std::string formOf(qel::ScalarArray const& value);
+std::string formOf(qel::kernel::Kernel2D const& value);
+std::string formOf(qel::kernel::Kernel3D const& value);
 
 template <class T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int> = 0>
 std::string formOf(T value)
@@ -75,6 +79,8 @@ template <class T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, 
 Json jsonOf(qel::String const& value);
 Json jsonOf(qel::Scalar const& value);
 Json jsonOf(qel::ScalarArray const& value);
+Json jsonOf(qel::kernel::Kernel2D const& value);
+Json jsonOf(qel::kernel::Kernel3D const& value);
 template <class T> Json jsonOf(qel::math::Vector2<T> const& value)
 {
     return Json::array({jsonOf(value[0]), jsonOf(value[1])});

@@ -9,6 +9,8 @@
 #include <qel/ScalarArray.h>
 #include <qel/String.h>
 #include <qel/container/Vector.h>
+#include <qel/kernel/Kernel2D.h>
+#include <qel/kernel/Kernel3D.h>
 #include <qel/math/Matrix2.h>
 #include <qel/math/Matrix3.h>
 #include <qel/math/Vector2.h>
@@ -158,6 +160,23 @@ TEST(PropertyKindsTest, aWrongTextIsRefusedWithAnExample)
     EXPECT_NE("", refusal(*inputOf(count), "1.0"));
     EXPECT_EQ("", refusal(*inputOf(count), "18446744073709551615"));
     EXPECT_EQ(18446744073709551615UL, count.get());
+}
+
+TEST(PropertyKindsTest, kernelsAreReadAndShownInTheirTextForm)
+{
+    Property<qel::kernel::Kernel2D> flat;
+    auto const handler = inputOf(flat);
+    EXPECT_EQ("Kernel2D", handler->kind());
+    EXPECT_EQ("@kernel2D:", handler->text());
+    EXPECT_EQ("", refusal(*handler, "@kernel2D:0_0_1+1_0_0.5"));
+    EXPECT_EQ(2u, flat.get().getNumOfPoints());
+    EXPECT_EQ("@kernel2D:0_0_1+1_0_0.5", handler->text());
+    EXPECT_THAT(refusal(*handler, "@kernel2D:0_0"), HasSubstr("such as @kernel2D:0_0_1"));
+    Property<qel::kernel::Kernel3D> solid;
+    EXPECT_EQ("Kernel3D", inputOf(solid)->kind());
+    EXPECT_EQ("", refusal(*inputOf(solid), "@kernel3D:1_-2_3_1e-07"));
+    EXPECT_EQ("@kernel3D:1_-2_3_1e-07", inputOf(solid)->text());
+    EXPECT_THAT(refusal(*inputOf(solid), "@kernel2D:0_0_1"), HasSubstr("such as @kernel3D:0_0_0_1"));
 }
 
 TEST(PropertyKindsTest, whatHasNoTextFormSaysSo)

@@ -41,6 +41,15 @@ class ValueTest(HostTest):
         self.failed("run", "SaveQelRawImage", "input=in.pgm", "filePath=direct.qeli", "overwrite=false")
         self.good("run", "SaveQelRawImage", "input=in.pgm", "filePath=direct.qeli", "overwrite=true")
 
+    def test_kernels_reach_the_algorithm(self):
+        self.good("run", "FiniteImpulseResponseFilter2D", "input=in.pgm", "kernel2D=@kernel2D:0_0_1+0_0_-3",
+                  "output=out.qeli")
+        out = self.raw("out.qeli")
+        self.assertEqual("int16", out.type)
+        self.assertEqual([-2 * v for v in self.voxels], out.voxels)
+        self.assertIn("such as @kernel2D:0_0_1",
+                      self.refused("run", "FiniteImpulseResponseFilter2D", "kernel2D=0_0_1"))
+
     def test_values_that_do_not_fit_are_refused(self):
         self.assertIn("lowLevel", self.refused("run", "Threshold", "lowLevel=3px"))
         self.assertIn("lowLevel", self.refused("run", "Threshold", "lowLevel="))

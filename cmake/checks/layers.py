@@ -4,7 +4,8 @@ import re
 import project
 
 LAYERS = [{"Math", "Core"},
-          {"PointOperations", "LinearFiltering", "Filtering", "Miscellaneous", "Analysis", "Tools"},
+          {"PointOperations", "LinearFiltering", "Miscellaneous", "Analysis", "Tools"},
+          {"Filtering"},
           {"NonlinearFiltering", "Morphology", "Segmentation"},
           {"Classification", "Registration", "Geometry"}]
 RANK = {module: rank for rank, layer in enumerate(LAYERS) for module in layer}

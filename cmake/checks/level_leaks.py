@@ -9,7 +9,7 @@ import sys
 
 import project
 
-ARCHITECTURE = re.compile(r"sse4_1|arch_128_tag|Sse41|SSE41")
+ARCHITECTURE = re.compile(r"sse4_1|avx2?\b|arch_128_tag|Sse41|SSE41")
 nm, objects = sys.argv[1], sys.argv[2:]
 problems = []
 for path in objects:

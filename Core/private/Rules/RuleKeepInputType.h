@@ -21,9 +21,9 @@ public:
 
     void apply(Property<ImageModel*>& property) override
     {
-        ImageModel const* const input = m_input.getImage();
-        if (input && helper::underlyingImage(input) == helper::underlyingImage(property.get()) &&
-            input->getVoxelType() != m_type)
+        ImageModel const* const image = property.get();
+        if (image && image->getVoxelType() != m_type &&
+            helper::underlyingImage(m_input.getImage()) == helper::underlyingImage(image))
             QEL_THROW(RuleException, "The parameter \"" << m_input.getName()
                                                         << "\" cannot be used as output image if it must be retyped.");
     }
