@@ -4,7 +4,7 @@ set(checks ${PROJECT_SOURCE_DIR}/cmake/checks)
 
 function(qel_check name)
   add_test(NAME check_${name} COMMAND Python3::Interpreter -B ${checks}/${name}.py ${ARGN})
-  set_tests_properties(check_${name} PROPERTIES LABELS unit TIMEOUT 300)
+  set_tests_properties(check_${name} PROPERTIES LABELS unit TIMEOUT 900) # a busy machine is no reason to fail
 endfunction()
 
 qel_check(sources_listed)
