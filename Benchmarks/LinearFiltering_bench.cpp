@@ -1,5 +1,7 @@
 #include "Support.h"
 
+#include <qel/filtering/smoothing/GaussianFilter2D.h>
+#include <qel/filtering/smoothing/GaussianFilter3D.h>
 #include <qel/linear_filtering/FiniteImpulseResponseFilter2D.h>
 #include <qel/linear_filtering/FiniteImpulseResponseFilter3D.h>
 #include <qel/linear_filtering/kernel_factory.h>
@@ -100,12 +102,47 @@ template <class T> void addLevel(std::string const& levelName, OptimLevelType le
     addVolume("cube:3", randomKernel3D(1));
 }
 
+/// The centre of a smoothed point.
+template <class Filter> void checkPoint(Filter& filter, unsigned long plans)
+{
+    memory::InMemoryImage in, out;
+    in.reserve(QEL_FLOAT32, 41, 41, plans, 1, 1);
+    auto* const voxels = reinterpret_cast<float*>(in.getInternalBuffer());
+    unsigned long const middle = (plans / 2 * 41 + 20) * 41 + 20;
+    for (unsigned long i = 0; i < 41 * 41 * plans; ++i)
+        voxels[i] = i == middle ? 1.f : 0.f;
+    filter.input = &in;
+    filter.output = &out;
+    filter.run();
+    double const peak = 1 / (2 * std::sqrt(2 * M_PI));
+    double const expected = plans == 1 ? peak * peak : peak * peak * peak;
+    double const actual = reinterpret_cast<float const*>(out.getInternalBuffer())[middle];
+    require(std::abs(actual / expected - 1) < 0.01, "smoothed point");
+}
+
+template <class T, class Filter> void gaussian(benchmark::State& state, Shape const& shape)
+{
+    Ref<Filter> filter(Filter::New());
+    checkPoint(*filter, shape.plans == 1 ? 1 : 41);
+    memory::InMemoryImage in, out;
+    fill(in, Voxel<T>::type, shape);
+    filter->input = &in;
+    filter->output = &out;
+    measure(state, *filter, shape, 2 * shape.voxels() * sizeof(T));
+}
+
 template <class T> void addType()
 {
     registerMemcpy(Voxel<T>::name, sizeof(T), plane);
     registerMemcpy(Voxel<T>::name, sizeof(T), volume);
     addLevel<T>("sse", VEC_SSE);
     addLevel<T>("scalar", SCALAR);
+    using namespace filtering::smoothing;
+    std::string const type = Voxel<T>::name;
+    add("GaussianFilter2D/" + type + "/scalar/4096/sigma:2",
+        [](benchmark::State& state) { gaussian<T, GaussianFilter2D>(state, plane); });
+    add("GaussianFilter3D/" + type + "/scalar/256^3/sigma:2",
+        [](benchmark::State& state) { gaussian<T, GaussianFilter3D>(state, volume); });
 }
 
 } // namespace

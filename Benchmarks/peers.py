@@ -123,6 +123,46 @@ def _(patch):
     return lambda: restoration.denoise_nl_means(a, 2 * patch + 1, 6, 60, fast_mode=True)
 
 
+@peer(cv2, "FiniteImpulseResponseFilter2D/{type}/sse/4096/square:{side}", type=TYPES, side=(3, 7))
+def _(type, side):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    weights = np.random.default_rng(7).random((side, side)).astype("float32")
+    weights /= weights.sum()
+    return lambda: cv2.filter2D(a, -1, weights, out, borderType=cv2.BORDER_REFLECT)
+
+
+@peer(cv2, "FiniteImpulseResponseFilter2D/{type}/sse/4096/{line}:13", type=TYPES, line=("row", "column"))
+def _(type, line):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    weights, one = cv2.getGaussianKernel(13, 2, cv2.CV_32F), np.ones(1, "float32")
+    kernels = (weights, one) if line == "row" else (one, weights)
+    return lambda: cv2.sepFilter2D(a, -1, *kernels, out, borderType=cv2.BORDER_REFLECT)
+
+
+@peer(ndimage, "FiniteImpulseResponseFilter3D/{type}/sse/256^3/{line}:13", type=TYPES, line=("row", "column", "plans"))
+def _(type, line):
+    a = picture("n", "256^3", type)
+    out = np.zeros_like(a)
+    axis = ("plans", "column", "row").index(line)
+    return lambda: ndimage.gaussian_filter1d(a, 2, axis, output=out, truncate=3)
+
+
+@peer(cv2, "GaussianFilter2D/{type}/scalar/4096/sigma:2", type=TYPES)
+def _(type):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: cv2.GaussianBlur(a, (13, 13), 2, out, borderType=cv2.BORDER_REFLECT)
+
+
+@peer(ndimage, "GaussianFilter3D/{type}/scalar/256^3/sigma:2", type=TYPES)
+def _(type):
+    a = picture("n", "256^3", type)
+    out = np.zeros_like(a)
+    return lambda: ndimage.gaussian_filter(a, 2, output=out, truncate=3)
+
+
 # Segmentation
 
 

@@ -1,0 +1,52 @@
+#include <qel/filtering/smoothing/GaussianFilter3D.h>
+
+#include "Core/private/DefineAlgorithm.h"
+#include "Filtering/private/GaussianFilter.h"
+
+namespace qel::filtering::smoothing {
+
+QEL_DEFINE_ALGORITHM(GaussianFilter3D)
+
+void GaussianFilter3D::init()
+{
+    AddRuleLimitedValue<int> const notNegative(0, LIMIT_GREATER_OR_EQUAL);
+    addInput(&input);
+    declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING);
+    addInput(&mode);
+    mode.setEnumInfo(&filteringTypeInfo());
+    declare(mode, "mode", QEL_FIR, AddRuleIsAnEnumOfType(&filteringTypeInfo()));
+    addInput(&sigmaX);
+    declare(sigmaX, "sigmaX", 2, notNegative);
+    addInput(&sigmaY);
+    declare(sigmaY, "sigmaY", 2, notNegative);
+    addInput(&sigmaZ);
+    declare(sigmaZ, "sigmaZ", 2, notNegative);
+    addInput(&kernelSizeFactorX);
+    declare(kernelSizeFactorX, "kernelSizeFactorX", 3, ASSERT_POSITIVE_ONLY);
+    addInput(&kernelSizeFactorY);
+    declare(kernelSizeFactorY, "kernelSizeFactorY", 3, ASSERT_POSITIVE_ONLY);
+    addInput(&kernelSizeFactorZ);
+    declare(kernelSizeFactorZ, "kernelSizeFactorZ", 3, ASSERT_POSITIVE_ONLY);
+    addInput(&outputStrategy);
+    outputStrategy.setEnumInfo(&outputStrategyTypeInfo());
+    declare(outputStrategy, "outputStrategy", QEL_SAME_AS_INPUT, AddRuleIsAnEnumOfType(&outputStrategyTypeInfo()));
+    addInput(&accurate);
+    declare(accurate, "accurate", true);
+    addOutput(&output);
+    declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeAndCalibration(&input),
+            AddRuleEnforceSameInterpretation(&input));
+}
+
+void GaussianFilter3D::applyAllRules()
+{
+    RuleOfOneRun const type(output, typeRuleOf(*this));
+    BaseAlgorithm::applyAllRules();
+}
+
+AlgoBorderInfluence GaussianFilter3D::getAlgoBorderInfluence() const
+{
+    return AlgoBorderInfluence(gaussianReach(sigmaX, kernelSizeFactorX), gaussianReach(sigmaY, kernelSizeFactorY),
+                               gaussianReach(sigmaZ, kernelSizeFactorZ), 0, 0);
+}
+
+} // namespace qel::filtering::smoothing
