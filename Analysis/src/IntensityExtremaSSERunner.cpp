@@ -3,6 +3,7 @@
 #include "Core/private/Access/ContinueBorderCondition.h"
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Helper/safe_cast.h"
+#include "Core/private/LongRows.h"
 #include "Core/private/TypeDispatch.h"
 
 #include <qel/analysis/IntensityExtrema.h>
@@ -21,7 +22,8 @@ struct IntensityExtremaSSEDispatcher
     template <class T> static void run(IntensityExtrema* extrema)
     {
         IntensityExtremaSIMDGeneric<T, xsimd::sse4_1> body;
-        measure<T, SimdVec::arch_128_tag>(*extrema, extrema->input, access::ContinueBorderCondition<T>::New(), body);
+        measure<T, SimdVec::arch_128_tag>(*extrema, LongRows({extrema->input})[0],
+                                          access::ContinueBorderCondition<T>::New(), body);
         storeExtrema(*extrema, body);
     }
 };

@@ -2,6 +2,7 @@
 #include "Analysis/private/measure.h"
 #include "Core/private/Access/FixedBorderCondition.h"
 #include "Core/private/DefineAlgorithm.h"
+#include "Core/private/LongRows.h"
 #include "Core/private/ScalarRunner.h"
 #include "Core/private/TypeDispatch.h"
 
@@ -16,8 +17,8 @@ struct IntensityExtremaScalarDispatcher
     template <class T> static void run(IntensityExtrema* extrema)
     {
         IntensityExtremaScalarGeneric<T> body;
-        measure<T, SimdVec::arch_scalar_tag>(*extrema, extrema->input, access::FixedBorderCondition<T>::New(T(0)),
-                                             body);
+        measure<T, SimdVec::arch_scalar_tag>(*extrema, LongRows({extrema->input})[0],
+                                             access::FixedBorderCondition<T>::New(T(0)), body);
         storeExtrema(*extrema, body);
     }
 };

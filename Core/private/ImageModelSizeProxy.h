@@ -44,10 +44,12 @@ public:
     bool reserve(VoxelTypes const& type, unsigned long columns, unsigned long rows, unsigned long plans,
                  unsigned long timeSeries, unsigned long spectralSeries) override;
 
-private:
+protected:
+    /// Whether a row is in the box.
     bool holds(unsigned long numOfVoxels, unsigned long column, unsigned long row, unsigned long plan,
                unsigned long time, unsigned long spectral) const;
 
+private:
     ImageModel* wrapped;
     std::vector<unsigned long> offsets;
     std::vector<unsigned long> sizes;

@@ -5,6 +5,7 @@
 #include "Core/private/Access/IteratorPixel.h"
 #include "Core/private/ImagePairToImageFilter.h"
 #include "Core/private/ImageToImageFilter.h"
+#include "Core/private/LongRows.h"
 
 #include <qel/ImageModelAdapter.h>
 
@@ -54,14 +55,14 @@ private:
     Kernel m_kernel;
 };
 
-/// Runs a body from `In` to `Out` over whole images, whatever their voxel types: where they differ, rows are cast on
-/// their way.
+/// Runs a body that sees single voxels from `In` to `Out` over whole images, whatever their voxel types: where they
+/// differ, rows are cast on their way.
 template <class In, class Out, class Body>
 void runBody(BaseAlgorithm& owner, ImageModel const* input, ImageModel* output, Body body)
 {
-    // The adapter serves both directions; for an input it calls nothing that writes.
-    ImageModelAdapter const in(const_cast<ImageModel*>(input), VoxelTypeOf<In>::value);
-    ImageModelAdapter const out(output, VoxelTypeOf<Out>::value);
+    LongRows const images({input, output});
+    ImageModelAdapter const in(images[0], VoxelTypeOf<In>::value);
+    ImageModelAdapter const out(images[1], VoxelTypeOf<Out>::value);
     ImageToImageFilter3d<In, Out, SimdVec::arch_scalar_tag, Body> filter(&owner, &body);
     filter.setInput(in.getImage(), access::FixedBorderCondition<In>::New(In(0)));
     filter.setOutput(out.getImage(), access::FixedBorderCondition<Out>::New(Out(0)));
@@ -81,9 +82,10 @@ void runPairPointwise(BaseAlgorithm& owner, ImageModel const* firstInput, ImageM
                       ImageModel* output, Kernel const& kernel)
 {
     using Body = PairPointBody<Kernel>;
-    ImageModelAdapter const first(const_cast<ImageModel*>(firstInput), VoxelTypeOf<In1>::value);
-    ImageModelAdapter const second(const_cast<ImageModel*>(secondInput), VoxelTypeOf<In2>::value);
-    ImageModelAdapter const out(output, VoxelTypeOf<Out>::value);
+    LongRows const images({firstInput, secondInput, output});
+    ImageModelAdapter const first(images[0], VoxelTypeOf<In1>::value);
+    ImageModelAdapter const second(images[1], VoxelTypeOf<In2>::value);
+    ImageModelAdapter const out(images[2], VoxelTypeOf<Out>::value);
     Body body(kernel);
     ImagePairToImageFilter3d<In1, In2, Out, SimdVec::arch_scalar_tag, Body> filter(&owner, &body);
     filter.setFirstInput(first.getImage(), access::FixedBorderCondition<In1>::New(In1(0)));

@@ -2,6 +2,7 @@
 
 #include "Core/private/Access/FixedBorderCondition.h"
 #include "Core/private/Access/IteratorPixel.h"
+#include "Core/private/LongRows.h"
 #include "Core/private/ManyToManyImageFilter.h"
 #include "Core/private/VoxelTypeOf.h"
 
@@ -44,8 +45,9 @@ void runManyPointwise(BaseAlgorithm& owner, Kernel const& kernel, std::index_seq
     Body body(kernel);
     ManyToManyImageFilter3d<InList, boost::mpl::vector<T>, SimdVec::arch_scalar_tag, Body> filter(&owner, &body);
     auto const condition = access::FixedBorderCondition<T>::New(T(0));
-    (filter.template setInput<Is>(inputs, condition), ...);
-    filter.template setOutput<0>(output, condition);
+    LongRows const images({inputs..., output});
+    (filter.template setInput<Is>(images[Is], condition), ...);
+    filter.template setOutput<0>(images[sizeof...(Is)], condition);
     filter.run();
 }
 

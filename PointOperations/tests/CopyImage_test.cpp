@@ -82,6 +82,20 @@ TEST_F(CopyImageTest, copiesBetweenImagesOfTheLibraryAndOfAHost)
     EXPECT_TRUE(samePicture(picture, back));
 }
 
+TEST_F(CopyImageTest, copiesALargeVolumeOfShortRows)
+{
+    auto const picture = randomPicture<unsigned int>(Shape{512, 512, 17}, 6); // more than 16 MB
+    memory::InMemoryImage in = toImage(picture);
+    memory::InMemoryImage out;
+    copy->input = &in;
+    copy->output = &out;
+    onOneAndFourThreads([&] {
+        copy->run();
+        EXPECT_TRUE(samePicture(picture, out));
+        std::memset(out.getInternalBuffer(), 0, 4 * picture.voxels.size());
+    });
+}
+
 TEST_F(CopyImageTest, takesOverCalibrationAndInterpretation)
 {
     HostImage in(randomPicture<short>(Shape{5, 4, 3, 2, 2}, 1));

@@ -15,4 +15,7 @@ void copyBytes(unsigned char* to, unsigned char const* from, std::size_t count);
 /// are copied as above.
 void copyBytesPastCaches(unsigned char* to, unsigned char const* from, std::size_t count);
 
+/// An image of so many bytes has left the caches before anybody reads it again: rows go past them.
+inline constexpr std::size_t largeImage = std::size_t(16) << 20;
+
 } // namespace qel::helper

@@ -10,9 +10,6 @@ namespace qel::memory {
 
 namespace {
 
-/// An image of so many bytes has left the caches before anybody reads it again.
-constexpr unsigned long largeImage = 16ul << 20;
-
 /// Product of all factors; false if it does not fit. A factor of 0 makes it 0, however large the others are.
 bool checkedProduct(std::initializer_list<unsigned long> factors, unsigned long& product)
 {
@@ -210,7 +207,7 @@ bool InMemoryImage::reserve(VoxelTypes const& type, unsigned long columns, unsig
     buffer = new unsigned char[numOfBytes];
     voxelType = type;
     voxelSize = sizeOfVoxelType(type);
-    isLarge = numOfBytes >= largeImage;
+    isLarge = numOfBytes >= helper::largeImage;
     sizes[COLUMNS] = columns;
     sizes[ROWS] = rows;
     sizes[PLANS] = plans;
