@@ -60,6 +60,14 @@ template <class T> T orZero(T result, bool isKept)
         return static_cast<T>(static_cast<Bits>(result) & -static_cast<Bits>(isKept));
 }
 
+/// Of a dividend of up to 16 bits: exact in float for any divisor, one beyond 2^24 included, by which it is 0.
+template <class T> T quotientOfNarrow(int dividend, int divisor)
+{
+    bool const isKept = divisor != 0;
+    int const safe = divisor | int(!isKept);
+    return static_cast<T>(orZero(static_cast<int>(static_cast<float>(dividend) / static_cast<float>(safe)), isKept));
+}
+
 // The processor divides no vectors of integers: quotients of up to 16 bits are exact in float, and of 32 bits in
 // double, after they are cut.
 template <class T> T quotientOf(T dividend, T divisor)
@@ -68,9 +76,7 @@ template <class T> T quotientOf(T dividend, T divisor)
     if constexpr (std::is_floating_point_v<T>) {
         return orZero(dividend / divisor, isKept);
     } else if constexpr (sizeof(T) <= 2) {
-        int const safe = divisor | int(!isKept);
-        return static_cast<T>(
-            orZero(static_cast<int>(static_cast<float>(dividend) / static_cast<float>(safe)), isKept));
+        return quotientOfNarrow<T>(dividend, divisor);
     } else if constexpr (std::is_same_v<T, unsigned int>) {
         // Less half of the range, words are signed, which the processor converts. By 2 and more the quotient is one.
         auto const asDouble = [](unsigned int word) {
@@ -130,6 +136,10 @@ struct ArithmeticOperator_DivideTag
 {
     static constexpr bool ignoresSign = false;
     template <class T> static T apply(T first, T second) { return detail::quotientOf(first, second); }
+    template <class T> static T applyToNarrow(int first, int second)
+    {
+        return detail::quotientOfNarrow<T>(first, second);
+    }
 };
 
 struct ArithmeticOperator_MinimumTag

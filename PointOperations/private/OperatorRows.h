@@ -23,6 +23,15 @@ template <class Operator, class T, class In>
 inline constexpr bool sharesUnsignedCode =
     Operator::ignoresSign&& std::is_same_v<T, In>&& std::is_integral_v<T>&& std::is_signed_v<T>;
 
+/// In `T`; an operator may know better where the first operand is of a narrower type.
+template <class T, class Operator, class First, class Second> T applyOperator(First first, Second second)
+{
+    if constexpr (!std::is_same_v<T, First> && requires { Operator::template applyToNarrow<T>(first, second); })
+        return Operator::template applyToNarrow<T>(first, second);
+    else
+        return Operator::apply(static_cast<T>(first), static_cast<T>(second));
+}
+
 template <class Operator> struct PairOperation
 {
     template <class T, class In = T>
@@ -34,7 +43,7 @@ template <class Operator> struct PairOperation
                       reinterpret_cast<Bits*>(out), count);
         } else {
             for (std::size_t x = 0; x < count; ++x)
-                out[x] = Operator::apply(static_cast<T>(first[x]), static_cast<T>(second[x]));
+                out[x] = applyOperator<T, Operator>(first[x], second[x]);
         }
     }
 };
@@ -49,7 +58,7 @@ template <class Operator> struct ValueOperation
             row<Bits>(reinterpret_cast<Bits const*>(in), static_cast<Bits>(value), reinterpret_cast<Bits*>(out), count);
         } else {
             for (std::size_t x = 0; x < count; ++x)
-                out[x] = Operator::apply(static_cast<T>(in[x]), value);
+                out[x] = applyOperator<T, Operator>(in[x], value);
         }
     }
 };
