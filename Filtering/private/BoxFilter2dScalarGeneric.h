@@ -16,7 +16,8 @@ template <class View, class Sum>
     BoxRange const columns(block.colsBegin(), block.colsEnd(), size[0], view.numOfCols());
     SliceRows<View> voxels(view, block, columns);
     long const plan = static_cast<long>(block.plansBegin());
-    RowSums<Sum>(rows, columns).run([&](long row) { return voxels.fetch(plan, row); }, 0, sink);
+    bool const isExact = sumsAreExact<typename View::VoxelType, Sum>(static_cast<double>(size[0]) * size[1]);
+    RowSums<Sum>(rows, columns, isExact).run([&](long row) { return voxels.fetch(plan, row); }, 0, sink);
 }
 
 template <class Work, class Operator> class BoxFilter2dScalarGeneric

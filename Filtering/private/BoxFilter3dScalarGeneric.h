@@ -24,8 +24,9 @@ template <class View, class Sum>
     std::vector<Sum> planSums(length * rows.inside());
     PlanRows<Sum> const fetchFromSums{planSums.data(), rows, length};
 
-    SlidingSums<Sum> across(plans.side, length, rows.inside());
-    RowSums<Sum> sums(rows, columns);
+    bool const isExact = sumsAreExact<typename View::VoxelType, Sum>(static_cast<double>(size[0]) * size[1] * size[2]);
+    SlidingSums<Sum> across(plans.side, length, rows.inside(), isExact);
+    RowSums<Sum> sums(rows, columns, isExact);
     across.start(plans.first, fetchFromImage);
     for (unsigned long plan = 0; plan < plans.count; ++plan) {
         across.next(fetchFromImage, [&](unsigned long row) { return planSums.data() + row * length; });

@@ -3,7 +3,10 @@
 #include "Core/private/Helper/convertVoxel.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <type_traits>
 
 // The row kernels of the box filters. Not inlined: one copy serves all bodies of a pair of types.
@@ -28,6 +31,17 @@ template <> struct SumOf<int>
 {
     using type = unsigned int;
 };
+
+/// Whether sums of so many voxels are exact in any order.
+template <class T, class Sum> bool sumsAreExact(double numOfVoxels)
+{
+    if constexpr (std::is_integral_v<Sum>)
+        return true;
+    else if constexpr (std::is_integral_v<T>)
+        return numOfVoxels * static_cast<double>(std::numeric_limits<std::make_unsigned_t<T>>::max()) <= 0x1p+53;
+    else
+        return false;
+}
 
 /// sum += row
 template <class Sum, class T> void addRow(T const* __restrict row, Sum* __restrict sum, std::size_t count)
@@ -76,6 +90,15 @@ template <class Sum, class T>
     }
 }
 
+/// sum = out - row
+template <class Sum, class T>
+[[gnu::noinline]] void leaveRow(T const* __restrict row, Sum const* __restrict out, Sum* __restrict sum,
+                                std::size_t count)
+{
+    for (std::size_t x = 0; x < count; ++x)
+        sum[x] = static_cast<Sum>(out[x] - static_cast<Sum>(row[x]));
+}
+
 /// How many rows `sumAlongRows` takes at once: the additions along one row wait for each other, those of several rows
 /// do not.
 inline constexpr unsigned long rowsAtOnce = 4;
@@ -85,12 +108,26 @@ inline constexpr unsigned long rowsAtOnce = 4;
 ///
 /// Segments of `size` values start at fixed columns of the image; in[0] is the value `phase` of its segment. A sum is
 /// the tail of one segment and the head of the next, and so needs three additions whatever the size. `tails` has room
-/// for four times `size`.
+/// for four times `size`. Integers, whose sums are exact, slide.
 template <class Sum>
 [[gnu::noinline]] void sumAlongRows(Sum const* __restrict in, std::size_t inStride, Sum* __restrict out,
                                     std::size_t outStride, std::size_t count, std::size_t size, std::size_t phase,
                                     Sum* __restrict tails)
 {
+    if constexpr (std::is_integral_v<Sum>) {
+        unsigned int sums[rowsAtOnce] = {};
+        for (std::size_t row = 0; row < rowsAtOnce; ++row)
+            for (std::size_t i = 0; i + 1 < size; ++i)
+                sums[row] += in[row * inStride + i];
+        for (std::size_t x = 0; x < count; ++x)
+            for (std::size_t row = 0; row < rowsAtOnce; ++row) {
+                Sum const* const at = in + row * inStride + x;
+                unsigned int const sum = sums[row] + at[size - 1];
+                out[row * outStride + x] = static_cast<Sum>(sum);
+                sums[row] = sum - at[0];
+            }
+        return;
+    }
     auto const add = [](Sum& sum, Sum value) { sum = static_cast<Sum>(sum + value); };
     for (std::size_t done = 0; done < count; phase = 0) {
         std::size_t const length = size - phase; // of what is left of the segment
@@ -155,26 +192,58 @@ template <class Work, class Out>
         out[x] = static_cast<Out>(static_cast<Work>(sum[x]));
 }
 
-/// The sum divided by the area of the box.
+/// The sum divided by the area of the box, cut towards zero.
 ///
-/// Integers are cut towards zero. To multiply by the reciprocal is exact with half a voxel more: the quotient is then
-/// further from any whole number than the product can be wrong.
+/// To multiply by the reciprocal is exact with half a voxel more: the quotient is then further from any whole number,
+/// by half of 1 / area at least, than the product can be wrong.
+template <class Real, class Work, class Out>
+void divideRow(typename SumOf<Work>::type const* __restrict sum, Out* __restrict out, std::size_t count, double area)
+{
+    Real const reciprocal = Real(1) / static_cast<Real>(area);
+    for (std::size_t x = 0; x < count; ++x) {
+        Real const value = static_cast<Real>(static_cast<int>(static_cast<Work>(sum[x])));
+        Real const half = std::is_signed_v<Out> && value < 0 ? Real(-0.5) : Real(0.5);
+        out[x] = static_cast<Out>(static_cast<int>((value + half) * reciprocal));
+    }
+}
+
+/// Of 8-bit voxels, boxes up to this area are divided in float: sums are below 2^23, so that half a voxel more is
+/// exact, and a quotient up to 256 is wrong by 2^-15 at most, with half of 1 / area above 2^-15 * 4 / 3.
+inline constexpr double largestAreaInFloat = 12288;
+
+/// The same for floats, which have fewer digits than their sums: by factors a little below and above the reciprocal.
+/// Where both give one float, the quotient between them is that float too. False where they do not, which is rare.
+inline bool divideRowByFactors(double const* __restrict sum, float* __restrict out, std::size_t count, double area)
+{
+    double const low = (1.0 / area) * (1.0 - 0x1p-50);
+    double const high = (1.0 / area) * (1.0 + 0x1p-50);
+    std::uint32_t difference = 0;
+    for (std::size_t x = 0; x < count; ++x) {
+        float const below = static_cast<float>(sum[x] * low);
+        float const above = static_cast<float>(sum[x] * high);
+        out[x] = below;
+        difference |= std::bit_cast<std::uint32_t>(below) ^ std::bit_cast<std::uint32_t>(above);
+    }
+    return difference == 0;
+}
+
 template <class Work, class Out>
 [[gnu::noinline]] void finishRow(typename SumOf<Work>::type const* __restrict sum, Out* __restrict out,
                                  std::size_t count, double area, BoxFilterOperator_NormalizeTag)
 {
     if constexpr (std::is_floating_point_v<Work>) {
+        if constexpr (std::is_same_v<Out, float>)
+            if (divideRowByFactors(sum, out, count, area))
+                return;
         for (std::size_t x = 0; x < count; ++x)
             out[x] = helper::convertVoxel<Out>(sum[x] / area);
+    } else if constexpr (sizeof(Work) == 2) {
+        divideRow<float, Work>(sum, out, count, area);
     } else {
-        // A sum of 16 bits fits a float, one of 32 bits a double.
-        using Real = std::conditional_t<sizeof(Work) == 2, float, double>;
-        Real const reciprocal = Real(1) / static_cast<Real>(area);
-        for (std::size_t x = 0; x < count; ++x) {
-            Real const value = static_cast<Real>(static_cast<int>(static_cast<Work>(sum[x])));
-            Real const half = value < 0 ? Real(-0.5) : Real(0.5);
-            out[x] = static_cast<Out>(static_cast<int>((value + half) * reciprocal));
-        }
+        if (sizeof(Out) == 1 && area <= largestAreaInFloat)
+            divideRow<float, Work>(sum, out, count, area);
+        else
+            divideRow<double, Work>(sum, out, count, area);
     }
 }
 

@@ -98,9 +98,9 @@ private:
 template <class Sum> class RowSums
 {
 public:
-    RowSums(BoxRange const& rows, BoxRange const& columns)
+    RowSums(BoxRange const& rows, BoxRange const& columns, bool isExact = std::is_integral_v<Sum>)
         : m_rows(rows)
-        , m_sums(rows.side, columns.inside())
+        , m_sums(rows.side, columns.inside(), 1, isExact)
         , m_lines(columns)
     {}
 

@@ -14,19 +14,29 @@ namespace qel::filtering::smoothing {
 /// segment, from its begin)). That depends on the row's coordinate alone, and nothing is ever subtracted: no error is
 /// carried from row to row. The length is about the root of the size, so that one segment of tails and one total for
 /// each segment are all that is kept, and the additions for a row stay below five for any size.
+///
+/// Sums of whole numbers are exact in any order: integers wrap back, and doubles hold them up to 2^53. There the row
+/// that leaves is subtracted, and one row of sums is all that is kept.
 template <class Sum> class SlidingSums
 {
 public:
-    SlidingSums(unsigned long size, unsigned long pieceLength, unsigned long pieces = 1)
+    /// `isExact`: no sum has to be rounded.
+    SlidingSums(unsigned long size, unsigned long pieceLength, unsigned long pieces = 1,
+                bool isExact = std::is_integral_v<Sum>)
         : m_size(static_cast<long>(size))
         , m_segment(segmentFor(m_size))
         , m_slots((m_size - 1) / m_segment + 2)
         , m_pieceLength(pieceLength)
         , m_pieces(pieces)
         , m_rowLength(pieceLength * pieces)
+        , m_isExact(isExact)
     {
         if (m_size == 1)
             return;
+        if (m_isExact) {
+            m_middle.resize(m_rowLength);
+            return;
+        }
         m_tails.resize(static_cast<unsigned long>(m_segment) * m_rowLength);
         m_totals.resize(static_cast<unsigned long>(m_slots) * m_rowLength);
         m_middle.resize(m_rowLength);
@@ -39,6 +49,13 @@ public:
         m_first = first;
         if (m_size == 1)
             return;
+        if (m_isExact) {
+            std::fill(m_middle.begin(), m_middle.end(), Sum(0));
+            for (long row = first; row < first + m_size - 1; ++row)
+                for (unsigned long piece = 0; piece < m_pieces; ++piece)
+                    addRow(fetch(row, piece), m_middle.data() + piece * m_pieceLength, m_pieceLength);
+            return;
+        }
         m_firstSegment = segmentOf(first);
         computeTails(fetch);
         m_hasMiddle = false;
@@ -58,9 +75,18 @@ public:
             ++m_first;
             return;
         }
+        long const last = m_first + m_size - 1;
+        if (m_isExact) {
+            for (unsigned long piece = 0; piece < m_pieces; ++piece) {
+                Sum* const sums = m_middle.data() + piece * m_pieceLength;
+                addRows(fetch(last, piece), sums, out(piece), m_pieceLength);
+                leaveRow(fetch(m_first, piece), out(piece), sums, m_pieceLength);
+            }
+            ++m_first;
+            return;
+        }
         if (segmentOf(m_first) != m_firstSegment)
             leaveSegment(fetch);
-        long const last = m_first + m_size - 1;
         reach(last);
         Sum const* const tail = m_tails.data() + static_cast<unsigned long>(offsetOf(m_first)) * m_rowLength;
         Sum* const head = total(segmentOf(last));
@@ -144,12 +170,13 @@ private:
     unsigned long m_pieceLength;
     unsigned long m_pieces;
     unsigned long m_rowLength;
+    bool m_isExact;
     long m_first = 0;
     long m_firstSegment = 0;
     bool m_hasMiddle = false;
     std::vector<Sum> m_tails;  // of the first segment, a row for each of its rows
     std::vector<Sum> m_totals; // of the segments behind it; the last one is still growing
-    std::vector<Sum> m_middle; // the whole segments between
+    std::vector<Sum> m_middle; // the whole segments between; of exact sums, all rows but the last
 };
 
 } // namespace qel::filtering::smoothing

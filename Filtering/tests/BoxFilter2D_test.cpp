@@ -4,6 +4,7 @@
 #include "Filtering/private/computeWorkType.h"
 
 #include <limits>
+#include <numeric>
 
 namespace qel::test {
 namespace {
@@ -455,6 +456,71 @@ TEST_F(BoxFilter2DTest, callsImagesFromOtherThreadsForRowsAlone)
     withThreads(4, [&] { box->run(); });
     EXPECT_TRUE(onlyRowsWereForeign(in));
     EXPECT_TRUE(onlyRowsWereForeign(out));
+}
+
+TEST(BoxKernelsTest, knowWhichSumsAreExact)
+{
+    using filtering::smoothing::sumsAreExact;
+    EXPECT_TRUE((sumsAreExact<unsigned char, unsigned int>(1e9)));
+    EXPECT_TRUE((sumsAreExact<unsigned short, double>(1e11)));
+    EXPECT_FALSE((sumsAreExact<unsigned short, double>(2e11)));
+    EXPECT_TRUE((sumsAreExact<int, double>(2097152)));
+    EXPECT_FALSE((sumsAreExact<unsigned int, double>(2097153)));
+    EXPECT_FALSE((sumsAreExact<long, double>(9)));
+    EXPECT_FALSE((sumsAreExact<float, double>(1)));
+}
+
+TEST(BoxKernelsTest, divideEverySumOfBytesExactly)
+{
+    // Around the areas where the work type and the way of dividing change.
+    for (unsigned int const area : {257u, 289u, 961u, 1024u, 10201u, 12287u, 12288u, 12289u, 65793u}) {
+        std::vector<unsigned int> sums(1 + 255 * area);
+        std::iota(sums.begin(), sums.end(), 0u);
+        std::vector<unsigned char> means(sums.size());
+        filtering::smoothing::finishRow<int, unsigned char>(sums.data(), means.data(), sums.size(), area,
+                                                            filtering::smoothing::BoxFilterOperator_NormalizeTag());
+        for (unsigned int sum = 0; sum < sums.size(); ++sum)
+            ASSERT_EQ(means[sum], sum / area) << sum << " by " << area;
+    }
+    for (int const area : {257, 961, 12288, 12289}) {
+        std::vector<unsigned int> sums;
+        for (int sum = -128 * area; sum <= 127 * area; ++sum)
+            sums.push_back(static_cast<unsigned int>(sum));
+        std::vector<signed char> means(sums.size());
+        filtering::smoothing::finishRow<int, signed char>(sums.data(), means.data(), sums.size(), area,
+                                                          filtering::smoothing::BoxFilterOperator_NormalizeTag());
+        for (std::size_t i = 0; i < sums.size(); ++i)
+            ASSERT_EQ(means[i], static_cast<int>(sums[i]) / area) << static_cast<int>(sums[i]) << " by " << area;
+    }
+}
+
+TEST(BoxKernelsTest, divideSumsOfFloatsAsOneDivisionWould)
+{
+    unsigned int hits = 0;
+    for (double const area : {1.0, 2.0, 3.0, 9.0, 25.0, 961.0, 10201.0, 1030301.0}) {
+        std::vector<double> sums = {0.0, -0.0, INFINITY, -INFINITY, NAN, 1e-310, 1e-44, 1e308, 3.5e38 * area};
+        auto const picture = randomPicture<float>(Shape{2000}, 17);
+        for (float const value : picture.voxels) {
+            // Quotients in the middle of two floats, and the nearest to it on both sides.
+            double const middle = (double(value) + std::nextafter(value, INFINITY)) / 2 * area;
+            for (double const sum : {value * area * 1.234567, middle, std::nextafter(middle, INFINITY),
+                                     std::nextafter(middle, -INFINITY), middle * 1e-42})
+                sums.push_back(sum);
+        }
+        for (std::size_t const rowLength : {std::size_t(1), std::size_t(7), sums.size()})
+            for (std::size_t x = 0; x + rowLength <= sums.size(); x += rowLength) {
+                std::vector<float> means(rowLength);
+                hits += !filtering::smoothing::divideRowByFactors(sums.data() + x, means.data(), rowLength, area);
+                filtering::smoothing::finishRow<float, float>(sums.data() + x, means.data(), rowLength, area,
+                                                              filtering::smoothing::BoxFilterOperator_NormalizeTag());
+                for (std::size_t i = 0; i < rowLength; ++i) {
+                    float const expected = helper::convertVoxel<float>(sums[x + i] / area);
+                    ASSERT_TRUE(sameValue(expected, means[i]) && std::signbit(expected) == std::signbit(means[i]))
+                        << sums[x + i] << " by " << area;
+                }
+            }
+    }
+    EXPECT_GT(hits, 100u); // both ways were taken
 }
 
 TEST(SlidingSumsTest, addTheSameRowsInTheSameOrderWhereverTheyStart)
