@@ -61,7 +61,7 @@ template <class T> std::vector<unsigned int> nearestOfValues(std::vector<Center>
     std::vector<unsigned int> nearest;
     nearest.reserve(ComputeHistogram<T>::size);
     float values[kMeansChunk];
-    double labels[kMeansChunk];
+    int labels[kMeansChunk];
     while (nearest.size() < ComputeHistogram<T>::size) {
         std::size_t const count = std::min(kMeansChunk, ComputeHistogram<T>::size - nearest.size());
         for (std::size_t x = 0; x < count; ++x)

@@ -35,61 +35,70 @@ inline void takeNearer(double const* __restrict distances, double label, double*
     }
 }
 
-/// The index of the nearest centre for each voxel of a chunk. `rows`: one for each component. `centres`: class by
-/// class, one value for each component. Labels are doubles, so that all lanes of the loops are of one width.
+/// The index of the nearest centre for each voxel of a chunk; of equally near ones, the first. `rows`: one for each
+/// component. `centres`: class by class, one value for each component.
 template <class T>
 void labelNearest(T const* const* rows, std::size_t components, double const* centres, std::size_t classes,
-                  double* __restrict labels, std::size_t count)
+                  int* __restrict labels, std::size_t count)
 {
     double distances[kMeansChunk];
     double least[kMeansChunk];
-    std::fill_n(labels, count, 0.0);
+    double nearest[kMeansChunk]; // as doubles, so that all lanes of the loops are of one width
+    std::fill_n(nearest, count, 0.0);
     for (std::size_t index = 0; index < classes; ++index) {
         double* const target = index == 0 ? least : distances;
         std::fill_n(target, count, 0.0);
         for (std::size_t component = 0; component < components; ++component)
             addSquaredDistance(rows[component], centres[index * components + component], target, count);
         if (index > 0)
-            takeNearer(distances, static_cast<double>(index), least, labels, count);
+            takeNearer(distances, static_cast<double>(index), least, nearest, count);
     }
-}
-
-/// The sum of the voxels of one label, in lanes of a fixed order.
-template <class T>
-double sumOfLabel(T const* __restrict row, double const* __restrict labels, double label, std::size_t count)
-{
-    double voxels[kMeansChunk];
     for (std::size_t x = 0; x < count; ++x)
-        voxels[x] = static_cast<double>(row[x]);
-    for (std::size_t x = 0; x < count; ++x) {
-        double const voxel = voxels[x];
-        voxels[x] = labels[x] == label ? voxel : 0.0;
-    }
-    constexpr std::size_t lanes = 8;
-    double sums[lanes] = {};
-    std::size_t x = 0;
-    for (; x + lanes <= count; x += lanes)
-        for (std::size_t lane = 0; lane < lanes; ++lane)
-            sums[lane] += voxels[x + lane];
-    for (std::size_t lane = 0; x + lane < count; ++lane)
-        sums[lane] += voxels[x + lane];
-    return ((sums[0] + sums[1]) + (sums[2] + sums[3])) + ((sums[4] + sums[5]) + (sums[6] + sums[7]));
+        labels[x] = static_cast<int>(nearest[x]);
 }
 
-inline unsigned long countOfLabel(double const* __restrict labels, double label, std::size_t count)
+/// Adds the voxels of a chunk to the sums of their labels, in lanes of a fixed order.
+template <class T> class SumsOfLabels
 {
-    unsigned long total = 0;
+public:
+    /// Labels are less than `labels`.
+    explicit SumsOfLabels(std::size_t labels)
+        : m_sums(labels * lanes)
+    {}
+
+    void add(T const* row, int const* labels, std::size_t count)
+    {
+        std::fill(m_sums.begin(), m_sums.end(), 0.0);
+        double* const sums = m_sums.data();
+        // The same sum comes again after as many voxels as there are lanes: they do not wait for each other.
+        for (std::size_t x = 0; x < count; ++x)
+            sums[static_cast<std::size_t>(labels[x]) * lanes + x % lanes] += static_cast<double>(row[x]);
+    }
+    double operator[](std::size_t label) const
+    {
+        double const* const sums = m_sums.data() + label * lanes;
+        return ((sums[0] + sums[1]) + (sums[2] + sums[3])) + ((sums[4] + sums[5]) + (sums[6] + sums[7]));
+    }
+
+private:
+    static constexpr std::size_t lanes = 8;
+    std::vector<double> m_sums;
+};
+
+inline unsigned int countOfLabel(int const* __restrict labels, int label, std::size_t count)
+{
+    unsigned int total = 0;
     for (std::size_t x = 0; x < count; ++x)
         total += labels[x] == label;
     return total;
 }
 
-/// Voxels outside the sample get a label of no class.
-inline void keepSample(unsigned char const* __restrict sample, double* __restrict labels, std::size_t count)
+/// Voxels outside the sample get the label `outside`.
+inline void keepSample(unsigned char const* __restrict sample, int outside, int* __restrict labels, std::size_t count)
 {
     for (std::size_t x = 0; x < count; ++x) {
-        double const label = labels[x];
-        labels[x] = sample[x] ? label : -1.0;
+        int const isIn = -static_cast<int>(sample[x]); // all bits or none
+        labels[x] = (labels[x] & isIn) | (outside & ~isIn);
     }
 }
 

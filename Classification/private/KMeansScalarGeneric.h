@@ -1,11 +1,14 @@
 #pragma once
 
 #include "Classification/private/KMeansKernel.h"
+#include "Classification/private/NearestOnLine.h"
 #include "Core/private/Access/IteratorPixel.h"
 #include "Core/private/Access/IteratorSeries.h"
 
 #include <tbb/blocked_range.h> // tbb::split
 
+#include <cmath>
+#include <memory>
 #include <vector>
 
 namespace qel::classification {
@@ -27,20 +30,43 @@ inline std::vector<double> flatten(std::vector<Center> const& centers)
     return values;
 }
 
-/// Labels the row under the cursor, chunk by chunk, and hands each chunk on: `use(labels, rows, first, count)`.
-template <class T, class Cursor, class Use>
-void forEachChunk(Cursor const& in, std::vector<double> const& centres, std::size_t classes, Use const& use)
+/// Finds the nearest centres of rows, chunk by chunk.
+template <class T> class Classifier
 {
-    std::vector<T const*> rows(in.size());
-    double labels[kMeansChunk];
-    for (std::size_t first = 0; first < in.rowLength(); first += kMeansChunk) {
-        std::size_t const count = std::min<std::size_t>(kMeansChunk, in.rowLength() - first);
-        for (std::size_t component = 0; component < rows.size(); ++component)
-            rows[component] = in.rowData(component) + first;
-        labelNearest(rows.data(), rows.size(), centres.data(), classes, labels, count);
-        use(labels, rows, first, count);
+public:
+    explicit Classifier(std::vector<Center> const& centers)
+        : m_centres(flatten(centers))
+        , m_classes(centers.size())
+        , m_components(m_centres.size() / m_classes)
+        , m_onLine(m_components == 1 ? m_centres : std::vector<double>{NAN})
+    {}
+
+    std::size_t classes() const { return m_classes; }
+    std::size_t components() const { return m_components; }
+
+    /// Of the row under the cursor: `use(labels, rows, first, count)` for each chunk.
+    template <class Cursor, class Use> void forEachChunk(Cursor const& in, Use const& use) const
+    {
+        std::vector<T const*> rows(m_components);
+        int labels[kMeansChunk];
+        for (std::size_t first = 0; first < in.rowLength(); first += kMeansChunk) {
+            std::size_t const count = std::min<std::size_t>(kMeansChunk, in.rowLength() - first);
+            for (std::size_t component = 0; component < rows.size(); ++component)
+                rows[component] = in.rowData(component) + first;
+            if (m_onLine.holds(rows[0], count))
+                m_onLine.label(rows[0], labels, count);
+            else
+                labelNearest(rows.data(), rows.size(), m_centres.data(), m_classes, labels, count);
+            use(labels, rows, first, count);
+        }
     }
-}
+
+private:
+    std::vector<double> m_centres;
+    std::size_t m_classes;
+    std::size_t m_components;
+    NearestOnLine<T> m_onLine; // holds nowhere where there are more components
+};
 
 /// Gathers what each class needs for its new centre, over the voxels of the sample.
 template <class T> class ComputeCentersAssociatedValues
@@ -48,31 +74,32 @@ template <class T> class ComputeCentersAssociatedValues
 public:
     /// `sample`: which voxels of a block count, in row order; empty for all. One pattern serves every block.
     ComputeCentersAssociatedValues(std::vector<Center>& centers, std::vector<unsigned char> const& sample)
-        : m_centres(flatten(centers))
+        : m_classifier(std::make_shared<Classifier<T> const>(centers))
         , m_sample(sample)
         , m_centers(&centers)
+        , m_chunkSums(centers.size() + 1)
     {
-        initVCenters(centers.size(), centers.front().centre.size());
+        initVCenters();
     }
     ComputeCentersAssociatedValues(ComputeCentersAssociatedValues& other, tbb::split)
-        : m_centres(other.m_centres)
+        : m_classifier(other.m_classifier)
         , m_sample(other.m_sample)
         , m_centers(nullptr)
+        , m_chunkSums(other.m_counts.size() + 1)
     {
-        initVCenters(other.m_counts.size(), other.m_sums.size() / other.m_counts.size());
+        initVCenters();
     }
 
     template <class Filter> void run(access::Block3d const& block, Filter& filter)
     {
-        std::size_t const classes = m_counts.size();
+        int const outside = static_cast<int>(m_counts.size());
         std::size_t offset = 0; // of the row in the block
         access::IteratorSpectralInput<typename Filter::InputView, 1> in(filter.getInputView());
         for (in.init(block); !in.atEnd(); in.nextRow(), offset += in.rowLength())
-            forEachChunk<T>(
-                in, m_centres, classes,
-                [&](double* labels, std::vector<T const*> const& rows, std::size_t first, std::size_t count) {
+            m_classifier->forEachChunk(
+                in, [&](int* labels, std::vector<T const*> const& rows, std::size_t first, std::size_t count) {
                     if (!m_sample.empty())
-                        keepSample(m_sample.data() + offset + first, labels, count);
+                        keepSample(m_sample.data() + offset + first, outside, labels, count);
                     add(labels, rows, count);
                 });
     }
@@ -101,27 +128,29 @@ public:
     }
 
 private:
-    void initVCenters(std::size_t classes, std::size_t components)
+    void initVCenters()
     {
-        m_counts.assign(classes, 0);
-        m_sums.assign(classes * components, 0.0);
+        m_counts.assign(m_classifier->classes(), 0);
+        m_sums.assign(m_classifier->classes() * m_classifier->components(), 0.0);
     }
 
-    void add(double const* labels, std::vector<T const*> const& rows, std::size_t count)
+    void add(int const* labels, std::vector<T const*> const& rows, std::size_t count)
     {
-        for (std::size_t index = 0; index < m_counts.size(); ++index) {
-            double const label = static_cast<double>(index);
-            m_counts[index] += countOfLabel(labels, label, count);
-            for (std::size_t component = 0; component < rows.size(); ++component)
-                m_sums[index * rows.size() + component] += sumOfLabel(rows[component], labels, label, count);
+        for (std::size_t index = 0; index < m_counts.size(); ++index)
+            m_counts[index] += countOfLabel(labels, static_cast<int>(index), count);
+        for (std::size_t component = 0; component < rows.size(); ++component) {
+            m_chunkSums.add(rows[component], labels, count);
+            for (std::size_t index = 0; index < m_counts.size(); ++index)
+                m_sums[index * rows.size() + component] += m_chunkSums[index];
         }
     }
 
-    std::vector<double> m_centres;
+    std::shared_ptr<Classifier<T> const> m_classifier;
     std::vector<unsigned char> const& m_sample;
     std::vector<Center>* m_centers; // of the root alone
     std::vector<unsigned long> m_counts;
     std::vector<double> m_sums;
+    SumsOfLabels<T> m_chunkSums; // one more: of what is not in the sample
 };
 
 /// Writes the class of every voxel, from 1 on.
@@ -129,8 +158,7 @@ template <class T> class ApplyLabel
 {
 public:
     explicit ApplyLabel(std::vector<Center> const& centers)
-        : m_centres(flatten(centers))
-        , m_classes(centers.size())
+        : m_classifier(centers)
     {}
 
     template <class Filter> void run(access::Block3d const& block, Filter& filter)
@@ -138,18 +166,16 @@ public:
         access::IteratorSpectralInput<typename Filter::InputView, 1> in(filter.getInputView());
         access::IteratorPixelOutput<typename Filter::OutputView, 1> out(filter.getOutputView(), false);
         for (in.init(block), out.init(block); !in.atEnd(); in.nextRow(), out.nextRow())
-            forEachChunk<T>(
-                in, m_centres, m_classes,
-                [&](double const* labels, std::vector<T const*> const&, std::size_t first, std::size_t count) {
+            m_classifier.forEachChunk(
+                in, [&](int const* labels, std::vector<T const*> const&, std::size_t first, std::size_t count) {
                     unsigned int* const row = out.rowData() + first;
                     for (std::size_t x = 0; x < count; ++x)
-                        row[x] = static_cast<unsigned int>(static_cast<int>(labels[x])) + 1;
+                        row[x] = static_cast<unsigned int>(labels[x]) + 1;
                 });
     }
 
 private:
-    std::vector<double> m_centres;
-    std::size_t m_classes;
+    Classifier<T> m_classifier;
 };
 
 } // namespace qel::classification
