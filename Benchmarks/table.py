@@ -3,10 +3,11 @@
 
     table.py RESULT.json...        medians where runs were repeated, beside a memcpy or a read of the same bytes
 
-A run that moves other bytes than the memcpy of its line is compared by bytes a second, not by time. Results of `peers.py`
+A run is compared with the memcpy or read on the same shape that moves about as many bytes as it does, by bytes a second. Results of `peers.py`
 stand beside the runs whose names they have, in milliseconds, with our time as a share of theirs.
 """
 import json
+import math
 import sys
 
 medians, bytes_of, peers = {}, {}, {}
@@ -29,18 +30,17 @@ print("| " + " | ".join(heads) + " |")
 print("|---" * len(heads) + "|")
 for name, time in medians.items():
     family, *rest = name.split("/")
-    plain = None
-    for reference in ("memcpy", "read"):
-        candidate = next((f"{reference}/{rest[0]}/{part}" for part in rest if f"{reference}/{rest[0]}/{part}" in medians), None)
-        uses_read = family.startswith("Intensity")
-        if candidate and (reference == "read") == uses_read:
-            plain = candidate
+    # What fits the caches is faster: so as many bytes.
+    reference = "read" if family.startswith("Intensity") else "memcpy"
+    candidates = [c for c in medians if c.startswith(reference + "/") and c.split("/")[-1] in rest]
+    moved = lambda run: medians[run] * bytes_of[run]
+    plain = min(candidates, key=lambda c: abs(math.log(moved(c) / moved(name))), default=None)
     if family in ("memcpy", "read"):
         ratio = ""
     elif plain is None:
         ratio = "-"
     else:
-        ratio = f"{bytes_of[plain] / bytes_of[name]:.2f} x {plain.split('/')[0]}"
+        ratio = f"{bytes_of[plain] / bytes_of[name]:.2f} x {plain}"
     cells = [name, f"{time:.3f}", f"{bytes_of[name] / 1e9:.1f}", ratio]
     if peers:
         others = sorted(peers.get(name, []))
