@@ -42,5 +42,10 @@ bool runSlices(BaseTbbAlgorithm& owner, BlockTask<Block3d>& task);
 bool runSlices(BaseTbbAlgorithm& owner, ReductionTask<Block2d>& task);
 bool runSlices(BaseTbbAlgorithm& owner, ReductionTask<Block3d>& task);
 
+/// Runs the task in parallel on the blocks of one slice. What was deferred is left to the caller. False if the run was
+/// cancelled.
+bool runBlocks(BaseTbbAlgorithm& owner, BlockTask<Block2d>& task, Block2d const& slice);
+bool runBlocks(BaseTbbAlgorithm& owner, BlockTask<Block3d>& task, Block3d const& slice);
+
 } // namespace access
 } // namespace qel

@@ -71,12 +71,17 @@ Axes axesOf(BaseTbbAlgorithm const& owner)
             {region.colsBegin() + region.getNbCols(), region.colsBegin(), grains.grainCols}};
 }
 
-template <class Task, class B> bool runSlice(BaseTbbAlgorithm& owner, Task& task, B const& whole)
+template <class Task, class B> bool runLoop(BaseTbbAlgorithm& owner, Task& task, B const& whole)
 {
     if (owner.isCancelled())
         return false;
     loop(owner, task, whole);
-    if (owner.isCancelled())
+    return !owner.isCancelled();
+}
+
+template <class Task, class B> bool runSlice(BaseTbbAlgorithm& owner, Task& task, B const& whole)
+{
+    if (!runLoop(owner, task, whole))
         return false;
     owner.writeTemporizedOutputs();
     return true;
@@ -124,6 +129,15 @@ bool runSlices(BaseTbbAlgorithm& owner, ReductionTask<Block2d>& task)
 bool runSlices(BaseTbbAlgorithm& owner, ReductionTask<Block3d>& task)
 {
     return runPublished(owner, task, Filter3dTag());
+}
+
+bool runBlocks(BaseTbbAlgorithm& owner, BlockTask<Block2d>& task, Block2d const& slice)
+{
+    return runLoop(owner, task, slice);
+}
+bool runBlocks(BaseTbbAlgorithm& owner, BlockTask<Block3d>& task, Block3d const& slice)
+{
+    return runLoop(owner, task, slice);
 }
 
 } // namespace qel::access

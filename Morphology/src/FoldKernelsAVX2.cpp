@@ -1,0 +1,20 @@
+#include "Morphology/private/FoldKernels.impl.h"
+
+namespace xsimd {
+struct avx2;
+}
+
+namespace qel::morphology {
+
+#define QEL_INSTANTIATE(T) template FoldKernels<T> foldKernels<xsimd::avx2, T>(bool);
+QEL_INSTANTIATE(unsigned char)
+QEL_INSTANTIATE(unsigned short)
+QEL_INSTANTIATE(unsigned int)
+QEL_INSTANTIATE(signed char)
+QEL_INSTANTIATE(short)
+QEL_INSTANTIATE(int)
+QEL_INSTANTIATE(float)
+QEL_INSTANTIATE(double)
+#undef QEL_INSTANTIATE
+
+} // namespace qel::morphology
