@@ -178,13 +178,22 @@ class AddRuleKeepInputType
 public:
     AddRuleKeepInputType(ImageReference const& input, VoxelTypes type)
         : input_(detail::required(input))
+        , model_(input)
         , type_(type)
+    {}
+    /// The output takes the type of `model`.
+    AddRuleKeepInputType(ImageReference const& input, ImageReference const& model)
+        : input_(detail::required(input))
+        , model_(detail::required(model))
+        , takesTypeOfModel_(true)
     {}
     void operator()(Property<ImageModel*>& property) const;
 
 private:
     ImageReference input_;
-    VoxelTypes type_;
+    ImageReference model_;
+    VoxelTypes type_ = QEL_UINT8;
+    bool takesTypeOfModel_ = false;
 };
 
 class AddRuleEnforceInterpretation

@@ -16,13 +16,24 @@ class RuleKeepInputType : public Rules<Property<ImageModel*>>
 public:
     RuleKeepInputType(ImageReference const& input, VoxelTypes type)
         : m_input(input)
+        , m_model(input)
         , m_type(type)
+    {}
+    /// The output takes the type of `model`.
+    RuleKeepInputType(ImageReference const& input, ImageReference const& model)
+        : m_input(input)
+        , m_model(model)
+        , m_takesTypeOfModel(true)
     {}
 
     void apply(Property<ImageModel*>& property) override
     {
         ImageModel const* const image = property.get();
-        if (image && image->getVoxelType() != m_type &&
+        ImageModel const* const model = m_model.getImage();
+        if (!image || (m_takesTypeOfModel && !model))
+            return;
+        VoxelTypes const type = m_takesTypeOfModel ? model->getVoxelType() : m_type;
+        if (image->getVoxelType() != type &&
             helper::underlyingImage(m_input.getImage()) == helper::underlyingImage(image))
             QEL_THROW(RuleException, "The parameter \"" << m_input.getName()
                                                         << "\" cannot be used as output image if it must be retyped.");
@@ -30,7 +41,9 @@ public:
 
 private:
     ImageReference m_input;
-    VoxelTypes m_type;
+    ImageReference m_model;
+    VoxelTypes m_type = QEL_UINT8;
+    bool m_takesTypeOfModel = false;
 };
 
 } // namespace qel

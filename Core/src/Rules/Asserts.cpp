@@ -118,7 +118,8 @@ void AddRuleEnforceType::operator()(Property<ImageModel*>& property) const
 
 void AddRuleKeepInputType::operator()(Property<ImageModel*>& property) const
 {
-    detail::push<ImageModel*>(property, new RuleKeepInputType(input_, type_));
+    detail::push<ImageModel*>(property, takesTypeOfModel_ ? new RuleKeepInputType(input_, model_)
+                                                          : new RuleKeepInputType(input_, type_));
 }
 
 void AddRuleEnforceInterpretation::operator()(Property<ImageModel*>& property) const

@@ -1,0 +1,9 @@
+#pragma once
+
+class EnumInfo;
+
+namespace qel::morphology {
+
+EnumInfo& reconstructionTypeInfo();
+
+} // namespace qel::morphology

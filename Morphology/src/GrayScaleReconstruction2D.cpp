@@ -1,0 +1,41 @@
+#include <qel/morphology/GrayScaleReconstruction2D.h>
+
+#include "Core/private/DefineAlgorithm.h"
+#include "Core/private/Rules/Asserts.h"
+#include "Morphology/private/reconstructionTypeInfo.h"
+
+#include <qel/Neighborhood2DType.h>
+
+#include <limits>
+
+namespace qel::morphology {
+
+QEL_DEFINE_ALGORITHM(GrayScaleReconstruction2D)
+
+void GrayScaleReconstruction2D::init()
+{
+    addInput(&input);
+    declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING,
+            AddRuleAssertDimension(SPECTRAL_SERIES, 1));
+    addInput(&marker);
+    declare(marker, "marker", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING, AddRuleAssertSameSize(&input));
+    addInput(&reconstructionType);
+    reconstructionType.setEnumInfo(&reconstructionTypeInfo());
+    declare(reconstructionType, "reconstructionType", QEL_DILATION, AddRuleIsAnEnumOfType(&reconstructionTypeInfo()));
+    addInput(&neighborhood2D);
+    neighborhood2D.setEnumInfo(&helper::neighborhood2DTypeInfo());
+    declare(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8,
+            AddRuleIsAnEnumOfType(&helper::neighborhood2DTypeInfo()));
+    addOutput(&output);
+    declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, &marker),
+            AddRuleEnforceSameSizeCalibrationAndType(&marker), AddRuleEnforceSameInterpretation(&marker));
+}
+
+AlgoBorderInfluence GrayScaleReconstruction2D::getAlgoBorderInfluence() const
+{
+    // Plans count for nothing in either dimension: a published value.
+    unsigned long const everything = std::numeric_limits<unsigned long>::max();
+    return AlgoBorderInfluence(everything, everything, 0, 0, 0);
+}
+
+} // namespace qel::morphology

@@ -1,0 +1,37 @@
+#include <qel/morphology/Reconstruction2D.h>
+
+#include "Core/private/DefineAlgorithm.h"
+#include "Core/private/Rules/Asserts.h"
+
+#include <qel/Neighborhood2DType.h>
+
+#include <limits>
+
+namespace qel::morphology {
+
+QEL_DEFINE_ALGORITHM(Reconstruction2D)
+
+void Reconstruction2D::init()
+{
+    addInput(&input);
+    declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_BINARY, ASSERT_INTEGER,
+            AddRuleAssertDimension(SPECTRAL_SERIES, 1));
+    addInput(&marker);
+    declare(marker, "marker", nullptr, ASSERT_NOT_NULL, ASSERT_BINARY, ASSERT_INTEGER, AddRuleAssertSameSize(&input));
+    addInput(&neighborhood2D);
+    neighborhood2D.setEnumInfo(&helper::neighborhood2DTypeInfo());
+    declare(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8,
+            AddRuleIsAnEnumOfType(&helper::neighborhood2DTypeInfo()));
+    addOutput(&output);
+    declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, QEL_UINT8),
+            AddRuleKeepInputType(&marker, QEL_UINT8), AddRuleSetInterpretation(QEL_BINARY),
+            AddRuleEnforceType(QEL_UINT8), AddRuleEnforceSameSizeAndCalibration(&input));
+}
+
+AlgoBorderInfluence Reconstruction2D::getAlgoBorderInfluence() const
+{
+    unsigned long const everything = std::numeric_limits<unsigned long>::max();
+    return AlgoBorderInfluence(everything, everything, 0, 0, 0);
+}
+
+} // namespace qel::morphology
