@@ -905,6 +905,24 @@ TEST_F(BaseAlgorithmTest, aChildThatStartsAfterTheCancellationStartsNoBlock)
     EXPECT_EQ(ChainAlgorithm::finished, 0);
 }
 
+TEST_F(BaseAlgorithmTest, aChildImplementationThatComesAfterTheCancellationIsCancelledToo)
+{
+    PlainImplementation top(nullptr);
+    PlainImplementation middle(nullptr);
+    PlainImplementation bottom(nullptr);
+    middle.setCurrentChild(&bottom);
+    top.cancelExecution();
+    EXPECT_FALSE(middle.isCancelled());
+    top.setCurrentChild(&middle);
+    EXPECT_TRUE(middle.isCancelled());
+    EXPECT_TRUE(bottom.isCancelled());
+
+    PlainImplementation later(nullptr);
+    PlainImplementation running(nullptr);
+    running.setCurrentChild(&later);
+    EXPECT_FALSE(later.isCancelled());
+}
+
 TEST_F(BaseAlgorithmTest, withoutAFrameThereIsNothingToCancel)
 {
     ProbeAlgorithm::work = [&](ProbeAlgorithm& algorithm, OptimLevelType) {

@@ -65,8 +65,13 @@ void AbstractPrivateImplementation::setCurrentChild(AbstractPrivateImplementatio
     std::lock_guard const guard(links);
     clearChild();
     childImplementation = child;
-    std::lock_guard const childGuard(child->links);
-    child->parentImplementation = this;
+    {
+        std::lock_guard const childGuard(child->links);
+        child->parentImplementation = this;
+    }
+    // A cancellation that came between two children found none to tell.
+    if (cancelled)
+        child->cancelExecution();
 }
 
 void AbstractPrivateImplementation::clearChild()
