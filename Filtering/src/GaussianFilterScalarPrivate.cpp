@@ -1,8 +1,12 @@
 #include "Filtering/private/GaussianFilterScalarPrivate.h"
 
+#include "Core/private/Helper/underlyingImage.h"
+#include "Core/private/Kernel/KernelPrivate.h"
 #include "Core/private/Throw.h"
 #include "Filtering/private/GaussianFilter.h"
+#include "LinearFiltering/private/RowFilteredImage.h"
 
+#include <qel/BaseAlgorithm.h>
 #include <qel/Exception.h>
 #include <qel/Ref.h>
 #include <qel/devices/Cpu.h>
@@ -10,6 +14,7 @@
 #include <qel/memory/InMemoryImage.h>
 
 #include <cmath>
+#include <memory>
 
 namespace qel::filtering::smoothing {
 
@@ -33,20 +38,21 @@ unsigned long kernelSize(double sigma, double factor)
     return points + (points % 2 == 0);
 }
 
+template <class Direction> auto kernelAlong(std::size_t axis, unsigned long size, double sigma)
+{
+    auto kernel = linear_filtering::kernel_factory::createGaussian1D(size, sigma, static_cast<Direction>(axis));
+    kernel.normalize();
+    return kernel;
+}
+
 void setKernel(FiniteImpulseResponseFilter2D& pass, std::size_t axis, unsigned long size, double sigma)
 {
-    kernel::Kernel2D kernel = linear_filtering::kernel_factory::createGaussian1D(
-        size, sigma, static_cast<linear_filtering::KernelDirection2D>(axis));
-    kernel.normalize();
-    pass.kernel2D = kernel;
+    pass.kernel2D = kernelAlong<linear_filtering::KernelDirection2D>(axis, size, sigma);
 }
 
 void setKernel(FiniteImpulseResponseFilter3D& pass, std::size_t axis, unsigned long size, double sigma)
 {
-    kernel::Kernel3D kernel = linear_filtering::kernel_factory::createGaussian1D(
-        size, sigma, static_cast<linear_filtering::KernelDirection3D>(axis));
-    kernel.normalize();
-    pass.kernel3D = kernel;
+    pass.kernel3D = kernelAlong<linear_filtering::KernelDirection3D>(axis, size, sigma);
 }
 
 } // namespace
@@ -66,12 +72,26 @@ template <class Pass> void GaussianFilterScalarPrivate<Pass>::run()
     memory::InMemoryImage temporary;
     ImageModel* const between = typeBetween == outputType ? m_settings.output : &temporary;
     ImageModel const* from = m_settings.input;
-    for (std::size_t axis = 0; axis < sizes.size(); ++axis) {
+    std::unique_ptr<linear_filtering::RowFilteredImage const> filteredRows;
+    std::size_t axis = 0;
+    if (helper::underlyingImage(m_settings.input) != helper::underlyingImage(m_settings.output)) {
+        // The pass of the second axis takes the rows as the first axis makes them: both steps in one.
+        filteredRows = std::make_unique<linear_filtering::RowFilteredImage const>(
+            m_settings.input, typeBetween,
+            kernelAlong<linear_filtering::KernelDirection2D>(0, sizes[0], m_settings.axes[0].sigma)
+                .getPrivate()
+                .weights);
+        from = filteredRows.get();
+        axis = 1;
+    }
+    for (; axis < sizes.size(); ++axis) {
         bool const isLast = axis + 1 == sizes.size();
         ImageModel* const to = isLast ? m_settings.output : between;
         // A filter by a kernel may work in place, and does so on all images but the first.
         if (!runPass(axis, sizes[axis], from, to, isLast ? outputType : typeBetween))
             return;
+        if (from == filteredRows.get())
+            nextStep();
         from = to;
     }
 }
@@ -81,6 +101,7 @@ bool GaussianFilterScalarPrivate<Pass>::runPass(std::size_t axis, unsigned long 
                                                 ImageModel* to, VoxelTypes type)
 {
     Ref<Pass> const pass(Pass::New(this));
+    pass->setMaximumExtraMemoryUsage(getOwner()->getMaximumExtraMemoryUsage());
     pass->input = from;
     setKernel(*pass, axis, size, m_settings.axes[axis].sigma);
     pass->outputMode = linear_filtering::QEL_OUTPUT_MODE_CUSTOM;

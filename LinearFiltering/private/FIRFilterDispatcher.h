@@ -1,12 +1,9 @@
 #pragma once
 
-#include "Core/private/Helper/safe_cast.h"
-#include "Core/private/ScalarRunner.h"
-#include "Core/private/TypeDispatch.h"
 #include "LinearFiltering/private/FIRFilterGeneric.h"
+#include "LinearFiltering/private/typeOfSums.h"
 
 #include <qel/ImageModel.h>
-#include <qel/devices/Cpu.h>
 #include <qel/linear_filtering/FiniteImpulseResponseFilter2D.h>
 #include <qel/linear_filtering/FiniteImpulseResponseFilter3D.h>
 
@@ -49,19 +46,9 @@ template <class DimTag, class Arch> struct FIRFilterDispatcher
                                   Arch::template weightedSum<T>());
     }
 
-    /// In float where it holds every voxel of the output.
     static void run(Filter& filter)
     {
-        switch (filter.output.get()->getVoxelType()) {
-        case QEL_UINT8:
-        case QEL_UINT16:
-        case QEL_INT8:
-        case QEL_INT16:
-        case QEL_FLOAT32:
-            return run<float>(&filter);
-        default:
-            return run<double>(&filter);
-        }
+        visitTypeOfSums(filter.output.get()->getVoxelType(), [&]<class T>(std::type_identity<T>) { run<T>(&filter); });
     }
 };
 

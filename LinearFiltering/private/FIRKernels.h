@@ -20,4 +20,10 @@ void weightedSumOfRows(T const* const* rows, T const* weights, std::size_t point
 template <class Arch, class T>
 void weightedSumOfPackets(T const* const* rows, T const* weights, std::size_t points, T* out, std::size_t count);
 
+/// Whether this processor has packets of SSE 4.1.
+bool hasPackets();
+
+/// The fastest of them on this processor.
+template <class T> WeightedSum<T> weightedSumOfProcessor();
+
 } // namespace qel::linear_filtering

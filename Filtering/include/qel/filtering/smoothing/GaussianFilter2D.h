@@ -18,7 +18,7 @@ namespace qel::filtering::smoothing {
 /// each axis. `output`: takes sizes, calibration and interpretation of `input`; may be `input` itself where it keeps
 /// its type. Integers are cut towards zero. Outside of the image, voxels are those of its mirror image.
 ///
-/// One temporary image is taken where the voxels between the axes are of another type than `output`.
+/// One temporary image is taken in place, where the voxels between the axes are of another type than `output`.
 ///
 /// Throws RuleException, before any voxel changes, when an image is missing or of a complex type, a sigma is below 0, a
 /// factor is not above 0, an enumeration has no such value, or `output` is `input` and would have to become another

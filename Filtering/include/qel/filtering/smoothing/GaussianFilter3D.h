@@ -8,7 +8,8 @@
 namespace qel::filtering::smoothing {
 
 /// Smooths a volume by the normal distribution: what GaussianFilter2D does within plans, and `sigmaZ` and
-/// `kernelSizeFactorZ` along them.
+/// `kernelSizeFactorZ` along them. One temporary image is taken where the voxels between the axes are of another type
+/// than `output`.
 class QEL_API GaussianFilter3D : public BaseAlgorithm
 {
     QEL_ALGORITHM(GaussianFilter3D)
