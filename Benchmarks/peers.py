@@ -31,13 +31,14 @@ def optional(module):
 cv2 = optional("cv2")
 ndimage = optional("scipy.ndimage")
 measure, restoration = optional("skimage.measure"), optional("skimage.restoration")
+rank, morphology = optional("skimage.filters.rank"), optional("skimage.morphology")
 names = {}
 if cv2:
     cv2.setNumThreads(2)
     names[cv2] = f"OpenCV {cv2.__version__}"
 if ndimage:
     names[ndimage] = f"SciPy {import_module('scipy').__version__}"
-for module in (measure, restoration):
+for module in (measure, restoration, rank):
     if module:
         names[module] = f"scikit-image {import_module('skimage').__version__}"
 
@@ -161,6 +162,38 @@ def _(type):
     a = picture("n", "256^3", type)
     out = np.zeros_like(a)
     return lambda: ndimage.gaussian_filter(a, 2, output=out, truncate=3)
+
+
+# Median filters. OpenCV has 8 bits of any radius, and other types up to radius 2; scikit-image has integers.
+
+
+@peer(cv2, "MedianFilter2D/{type}/scalar/4096/square/radius:{radius}", type=TYPES, radius=(1, 2, 3, 10))
+def _(type, radius):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: cv2.medianBlur(a, 2 * radius + 1, out)
+
+
+@peer(ndimage, "MedianFilter2D/{type}/scalar/4096/square/radius:{radius}", type=TYPES, radius=(1, 3, 10))
+def _(type, radius):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: ndimage.median_filter(a, 2 * radius + 1, output=out)
+
+
+@peer(ndimage, "MedianFilter3D/{type}/scalar/256^3/cube/radius:{radius}", type=TYPES, radius=(1,))
+def _(type, radius):
+    a = picture("n", "256^3", type)
+    out = np.zeros_like(a)
+    return lambda: ndimage.median_filter(a, 2 * radius + 1, output=out)
+
+
+@peer(rank, "MedianFilter2D/{type}/scalar/4096/{form}/radius:{radius}", type=TYPES[:2], form=("square", "disk"), radius=(1, 3, 10))
+def _(type, form, radius):
+    a = picture("n", "4096", type)
+    out = np.zeros_like(a)
+    window = morphology.disk(radius) if form == "disk" else np.ones((2 * radius + 1,) * 2, "uint8")
+    return lambda: rank.median(a, window, out=out)
 
 
 # Segmentation

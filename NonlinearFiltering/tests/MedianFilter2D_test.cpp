@@ -51,6 +51,22 @@ TEST_F(MedianFilter2DTest, followsTheModelUnderLargeWindows)
     });
 }
 
+TEST_F(MedianFilter2DTest, followsTheModelWhereItsMethodsChange)
+{
+    // From column histograms to sliding, and from networks to either, and images whose range is one byte.
+    unsigned seed = 1;
+    expectModel(nearVoxels<unsigned char>(Shape{7, 5}, seed++), {90});
+    expectModel(nearVoxels<unsigned char>(Shape{7, 5}, seed++), {91});
+    expectModel(randomPicture<signed char>(Shape{30, 40}, seed++), {9});
+    expectModel(randomPicture<unsigned char>(Shape{530, 9}, seed++), {6});
+    expectModel(randomPicture<unsigned char>(Shape{9, 270}, seed++), {5});
+    expectModel(randomPictureBetween<long>(Shape{40, 30}, seed++, -128, 127), {6});
+    expectModel(randomPictureBetween<short>(Shape{40, 30}, seed++, -32768, -32513), {3, true});
+    expectModel(randomPictureBetween<unsigned long>(Shape{40, 30}, seed++, ~0ul - 256, ~0ul), {5});
+    expectModel(randomPictureBetween<int>(Shape{40, 30}, seed++, -100, 200), {7, true});
+    expectModel(randomPicture<double>(Shape{25, 9}, seed++, true), {23});
+}
+
 TEST_F(MedianFilter2DTest, reflectsTheImageAsOftenAsTheWindowNeeds)
 {
     unsigned seed = 1;

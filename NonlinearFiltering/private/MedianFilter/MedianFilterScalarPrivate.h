@@ -30,6 +30,8 @@ public:
 
     MedianSettings const& settings() const { return m_settings; }
     details::MedianComputerInfo const& info() const { return m_info; }
+    /// Whether the extrema are known, and 8 bits hold what lies between them.
+    bool hasNarrowRange() const { return m_isComposite && details::rangeOf(m_info.minimum, m_info.maximum) <= 255; }
     /// The frame's owner: the algorithm where the median is all that there is to do, and none where it is one step.
     BaseAlgorithm* frameOwner() const { return m_isComposite ? nullptr : owner; }
     /// Makes a frame the current step.

@@ -36,4 +36,27 @@ private:
         sizeof(T) == 4 ? static_cast<Type>(0x7f800000) : static_cast<Type>(0x7ff0000000000000);
 };
 
+/// How the rows of a run become keys: in the order of their voxel type, with as many bits.
+template <class T> struct NativeKeys
+{
+    using Key = typename MedianKey<T>::Type;
+    static constexpr bool areVoxels = std::is_same_v<T, Key>;
+    Key keyOf(T voxel) const { return MedianKey<T>::of(voxel); }
+    T voxelOf(Key key) const { return MedianKey<T>::voxelOf(key); }
+};
+
+/// By 8 bits, where the range of the image leaves no more: narrow rows are fast rows.
+template <class T> struct ByteKeys
+{
+    using Key = unsigned char;
+    static constexpr bool areVoxels = false;
+    T minimum;
+    // Modulo the type's range, which the difference of two of its values may leave.
+    Key keyOf(T voxel) const
+    {
+        return static_cast<Key>(static_cast<unsigned long>(voxel) - static_cast<unsigned long>(minimum));
+    }
+    T voxelOf(Key key) const { return static_cast<T>(static_cast<unsigned long>(minimum) + key); }
+};
+
 } // namespace qel::nonlinear_filtering

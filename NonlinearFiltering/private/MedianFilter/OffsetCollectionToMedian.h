@@ -1,43 +1,13 @@
 #pragma once
 
-#include "Core/private/Access/FixedBorderCondition.h"
 #include "Core/private/Access/IteratorPixel.h"
-#include "Core/private/Access/MirrorBorderCondition.h"
 #include "Core/private/Access/SlidingWindowProcessor.h"
-#include "Core/private/ImageToImageFilter.h"
-#include "Core/private/Kernel/OffsetCollections.h"
+#include "Core/private/Frames.h"
 #include "NonlinearFiltering/private/MedianFilter/MedianComputer.h"
+#include "NonlinearFiltering/private/MedianFilter/MedianDimension.h"
 #include "NonlinearFiltering/private/MedianFilter/MedianFilterScalarPrivate.h"
 
 namespace qel::nonlinear_filtering {
-
-/// What differs between planes and volumes.
-template <class DimTag> struct MedianDimension;
-template <> struct MedianDimension<Filter2dTag>
-{
-    using Offset = kernel::Offset2D;
-    template <class View, class Computer> using Processor = access::SlidingWindowProcessor2D<View, Computer>;
-    static std::vector<Offset> windowOf(MedianSettings const& settings)
-    {
-        return settings.isRound ? kernel::generateDiskOffset2DCollection(settings.radius)
-                                : kernel::generateSquareOffset2DCollection(settings.radius);
-    }
-    static AlgoBorderInfluence reachOf(unsigned long radius) { return AlgoBorderInfluence(radius, radius, 0, 0, 0); }
-};
-template <> struct MedianDimension<Filter3dTag>
-{
-    using Offset = kernel::Offset3D;
-    template <class View, class Computer> using Processor = access::SlidingWindowProcessor3D<View, Computer>;
-    static std::vector<Offset> windowOf(MedianSettings const& settings)
-    {
-        return settings.isRound ? kernel::generateSphereOffset3DCollection(settings.radius)
-                                : kernel::generateCubeOffset3DCollection(settings.radius);
-    }
-    static AlgoBorderInfluence reachOf(unsigned long radius)
-    {
-        return AlgoBorderInfluence(radius, radius, radius, 0, 0);
-    }
-};
 
 /// The median under a window that slides along the rows of a block.
 template <class DimTag, bool useHistogram> class OffsetCollectionToMedianWithSlidingWindow
@@ -75,23 +45,5 @@ private:
     AlgoBorderInfluence m_reach;
     boost::shared_ptr<access::SlidingOffsets<typename Dimension::Offset> const> m_offsets;
 };
-
-template <class T, class DimTag, class Body> void runMedianBody(MedianFilterScalarPrivate& median, Body body)
-{
-    ImageToImageFilter<T, T, SimdVec::arch_scalar_tag, Body, DimTag, FilterWithoutReductionTag> filter(
-        median.frameOwner(), &body);
-    median.follow(filter);
-    filter.setInput(median.settings().input, access::MirrorBorderCondition<T>::New());
-    filter.setOutput(median.settings().output, access::FixedBorderCondition<T>::New(T(0)));
-    filter.run();
-}
-
-template <class T, class DimTag> void runMedian(MedianFilterScalarPrivate& median)
-{
-    if constexpr (!std::is_floating_point_v<T>)
-        if (median.info().useHistogram)
-            return runMedianBody<T, DimTag>(median, OffsetCollectionToMedianWithSlidingWindow<DimTag, true>(median));
-    runMedianBody<T, DimTag>(median, OffsetCollectionToMedianWithSlidingWindow<DimTag, false>(median));
-}
 
 } // namespace qel::nonlinear_filtering

@@ -1,5 +1,5 @@
 #include "NonlinearFiltering/private/MedianFilter/MedianFilterScalarDispatcher.h"
-#include "NonlinearFiltering/private/MedianFilter/OffsetCollectionToMedian.h"
+#include "NonlinearFiltering/private/MedianFilter/runMedian.h"
 
 namespace qel::nonlinear_filtering {
 

@@ -1,0 +1,7 @@
+#include "NonlinearFiltering/private/MedianFilter/MedianNetworkKernel.impl.h"
+
+namespace qel::nonlinear_filtering {
+
+QEL_NETWORK_KERNELS(, network_baseline)
+
+} // namespace qel::nonlinear_filtering
