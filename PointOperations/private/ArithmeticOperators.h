@@ -60,16 +60,16 @@ template <class T> T orZero(T result, bool isKept)
         return static_cast<T>(static_cast<Bits>(result) & -static_cast<Bits>(isKept));
 }
 
-/// Of a dividend of up to 16 bits: exact in float for any divisor, one beyond 2^24 included, by which it is 0.
+/// Of a dividend of up to 16 bits: exact in float for any divisor. By one from 2^24 on, which a float may not hold, it
+/// is 0 anyway; so it is by 0, which becomes such a divisor.
 template <class T> T quotientOfNarrow(int dividend, int divisor)
 {
-    bool const isKept = divisor != 0;
-    int const safe = divisor | int(!isKept);
-    return static_cast<T>(orZero(static_cast<int>(static_cast<float>(dividend) / static_cast<float>(safe)), isKept));
+    int const safe = divisor | (-int(divisor == 0) & (1 << 24));
+    return static_cast<T>(static_cast<int>(static_cast<float>(dividend) / static_cast<float>(safe)));
 }
 
 // The processor divides no vectors of integers: quotients of up to 16 bits are exact in float, and of 32 bits in
-// double, after they are cut.
+// double, after they are cut. No rule makes an unsigned image of 32 bits of a quotient.
 template <class T> T quotientOf(T dividend, T divisor)
 {
     bool const isKept = divisor != T(0);
@@ -77,14 +77,6 @@ template <class T> T quotientOf(T dividend, T divisor)
         return orZero(dividend / divisor, isKept);
     } else if constexpr (sizeof(T) <= 2) {
         return quotientOfNarrow<T>(dividend, divisor);
-    } else if constexpr (std::is_same_v<T, unsigned int>) {
-        // Less half of the range, words are signed, which the processor converts. By 2 and more the quotient is one.
-        auto const asDouble = [](unsigned int word) {
-            return static_cast<double>(static_cast<int>(word ^ 0x80000000u)) + 2147483648.0;
-        };
-        unsigned int const safe = divisor | (static_cast<unsigned int>(divisor < 2) << 1);
-        unsigned int const cut = static_cast<unsigned int>(static_cast<int>(asDouble(dividend) / asDouble(safe)));
-        return (cut & -static_cast<unsigned int>(divisor > 1)) | (dividend & -static_cast<unsigned int>(divisor == 1));
     } else if constexpr (std::is_same_v<T, int>) {
         // The smallest integer by -1 would not fit: by 1 it does, and then the sign is turned.
         bool const isMinusOne = divisor == -1;

@@ -1,8 +1,11 @@
 #include <qel/point_operations/ArithmeticImageProcessing.h>
 
+#include "PointOperations/private/ArithmeticOperators.h"
 #include "PointOperations/tests/OperatorModels.h"
 
 #include <cmath>
+#include <limits>
+#include <numeric>
 
 namespace qel::test {
 namespace {
@@ -152,6 +155,48 @@ TEST_F(ArithmeticImageProcessingTest, dividesAllBytesAndSixteenBitWordsExactly)
         EXPECT_TRUE(samePicture(
             combined(dividends, divisors, [](short x, short y) { return arithmeticResult(ARITHMETIC_DIVIDE, x, y); }),
             out));
+    }
+}
+
+TEST_F(ArithmeticImageProcessingTest, dividesUnsignedPicturesExactly)
+{
+    arithmetic->arithmeticOperator = ARITHMETIC_DIVIDE;
+    auto const test = [&]<class In, class Out>(std::type_identity<In>, std::type_identity<Out>, auto const& divisors) {
+        std::size_t const values = std::size_t(1) << (8 * sizeof(In));
+        Picture<In> dividend(Shape{values, divisors.size()});
+        Picture<In> divisor(dividend.shape);
+        Picture<Out> quotient(dividend.shape);
+        for (std::size_t i = 0; i < quotient.voxels.size(); ++i) {
+            dividend.voxels[i] = static_cast<In>(i % values);
+            divisor.voxels[i] = static_cast<In>(divisors[i / values]);
+            quotient.voxels[i] = divisor.voxels[i] == 0 ? 0 : dividend.voxels[i] / divisor.voxels[i];
+        }
+        HostImage const a(dividend);
+        HostImage const b(divisor);
+        connect(a, b, out);
+        arithmetic->run();
+        EXPECT_TRUE(samePicture(quotient, out));
+    };
+    std::vector<int> bytes(256);
+    std::iota(bytes.begin(), bytes.end(), 0);
+    test(std::type_identity<unsigned char>(), std::type_identity<short>(), bytes);
+    std::vector<int> const words = {0,   1,    2,    3,    7,     10,    255,   256,   257,
+                                    641, 1000, 4095, 9973, 32767, 32768, 32769, 65534, 65535};
+    test(std::type_identity<unsigned short>(), std::type_identity<int>(), words);
+}
+
+TEST_F(ArithmeticImageProcessingTest, dividesNarrowVoxelsByAnyValueExactly)
+{
+    std::vector<unsigned short> dividends(65536);
+    std::iota(dividends.begin(), dividends.end(), static_cast<unsigned short>(0));
+    std::vector<int> quotients(dividends.size());
+    for (int const value : {0, 1, -1, 7, -7, 255, -65535, 65535, 65536, 65537, 16777215, 16777216, -16777217,
+                            1000000007, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+        ValueOperation<ArithmeticOperator_DivideTag>::row<int, unsigned short>(dividends.data(), value,
+                                                                               quotients.data(), dividends.size());
+        for (int dividend = 0; dividend < 65536; ++dividend)
+            ASSERT_EQ(quotients[static_cast<std::size_t>(dividend)], value == 0 ? 0 : dividend / value)
+                << dividend << " by " << value;
     }
 }
 
