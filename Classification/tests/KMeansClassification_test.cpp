@@ -201,6 +201,21 @@ TEST_F(KMeansClassificationTest, matchesItsDefinitionForEveryVoxelTypeAndOddShap
     });
 }
 
+TEST_F(KMeansClassificationTest, matchesItsDefinitionForAFewVoxelsFarOut)
+{
+    // Whole powers of two, few of them large: classes run empty, and centres move until the iterations end.
+    std::mt19937 random(11);
+    for (int picture = 0; picture < 12; ++picture) {
+        Picture<float> in(Shape{90, 60});
+        for (float& voxel : in.voxels)
+            voxel = std::floor(std::exp2(20.0f * std::pow(static_cast<float>(random() >> 8) / 16777216.0f, 12.0f)));
+        for (unsigned int const classes : {2u, 3u, 6u})
+            for (unsigned int const percent : {100u, 3u})
+                EXPECT_TRUE(samePicture(classified(in, classes, percent), run(in, classes, percent)))
+                    << classes << " classes, " << percent << " percent, picture " << picture;
+    }
+}
+
 TEST_F(KMeansClassificationTest, drawsTheSameSampleInEveryBlock)
 {
     // 2051 columns and 23 rows are cut twice and more; what the sample leaves out changes the centres.

@@ -1,6 +1,6 @@
 #include "Classification/private/NearestOnLine.h"
 
-#include "Classification/private/KMeansKernel.h"
+#include "Classification/private/KMeansScalarGeneric.h"
 
 #include <gtest/gtest.h>
 
@@ -122,6 +122,40 @@ TYPED_TEST(NearestOnLineTest, leavesToDistancesWhatRoundingMayDecide)
     for (auto const& centres :
          std::vector<std::vector<double>>{{NAN}, {1, NAN}, {1, INFINITY}, {1, 1e31}, {0, 1e-101}, {0, 1, 1e20}})
         EXPECT_FALSE(classification::NearestOnLine<T>(centres).holds(row, 1)) << centres.back();
+}
+
+/// A row of one component, as the classifier asks for it.
+struct OneRow
+{
+    std::vector<float> voxels;
+
+    std::size_t rowLength() const { return voxels.size(); }
+    float const* rowData(std::size_t) const { return voxels.data(); }
+};
+
+TEST(ClassifierTest, asksDistancesWhereLimitsDoNotDecide)
+{
+    OneRow row{std::vector<float>(1100, 1.75f)};
+    float const infinity = std::numeric_limits<float>::infinity();
+    row.voxels[3] = std::numeric_limits<float>::quiet_NaN();
+    row.voxels[600] = infinity;
+    row.voxels[601] = 1e30f;
+    row.voxels[1099] = 1.0f;
+    std::vector<classification::Center> centers(3);
+    centers[0].centre = {9.0};
+    centers[1].centre = {1.0};
+    centers[2].centre = {2.0};
+    std::vector<int> labels;
+    classification::Classifier<float>(centers).forEachChunk(
+        row, [&](int const* chunk, std::vector<float const*> const& rows, std::size_t first, std::size_t count) {
+            EXPECT_EQ(first, labels.size());
+            EXPECT_EQ(rows[0], row.voxels.data() + first);
+            labels.insert(labels.end(), chunk, chunk + count);
+        });
+    std::vector<int> expected(1100, 2);
+    expected[3] = expected[600] = expected[601] = 0; // no distance is less than another
+    expected[1099] = 1;
+    EXPECT_EQ(labels, expected);
 }
 
 } // namespace

@@ -25,7 +25,7 @@ public:
                 bool isExact = std::is_integral_v<Sum>)
         : m_size(static_cast<long>(size))
         , m_segment(segmentFor(m_size))
-        , m_slots((m_size - 1) / m_segment + 2)
+        , m_slots((m_size - 1) / m_segment + 1)
         , m_pieceLength(pieceLength)
         , m_pieces(pieces)
         , m_rowLength(pieceLength * pieces)

@@ -458,6 +458,28 @@ TEST_F(BoxFilter2DTest, callsImagesFromOtherThreadsForRowsAlone)
     EXPECT_TRUE(onlyRowsWereForeign(out));
 }
 
+TEST(BoxKernelsTest, sumFloatsAlongRowsInTheSameOrderWhereverTheyBegin)
+{
+    std::size_t const columns = 300;
+    auto const picture = randomPicture<float>(Shape{columns, 4}, 23);
+    std::vector<double> const in(picture.voxels.begin(), picture.voxels.end());
+    for (std::size_t const size : {2, 3, 16, 31, 101}) {
+        std::vector<double> tails(4 * size);
+        std::size_t const count = columns - size + 1;
+        std::vector<double> whole(4 * count);
+        filtering::smoothing::sumAlongRows(in.data(), columns, whole.data(), count, count, size, 0, tails.data());
+        for (std::size_t const begin : {1, 2, 5, 31, 64, 150}) {
+            std::size_t const rest = count - begin;
+            std::vector<double> part(4 * rest);
+            filtering::smoothing::sumAlongRows(in.data() + begin, columns, part.data(), rest, rest, size, begin % size,
+                                               tails.data());
+            for (std::size_t row = 0; row < 4; ++row)
+                for (std::size_t x = 0; x < rest; ++x)
+                    ASSERT_EQ(part[row * rest + x], whole[row * count + begin + x]) << size << ", " << begin;
+        }
+    }
+}
+
 TEST(BoxKernelsTest, knowWhichSumsAreExact)
 {
     using filtering::smoothing::sumsAreExact;
