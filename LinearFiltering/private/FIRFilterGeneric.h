@@ -6,7 +6,10 @@
 #include "LinearFiltering/private/FIRKernels.h"
 #include "LinearFiltering/private/RowsOfBlock.h"
 
+#include <tbb/enumerable_thread_specific.h>
+
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace qel::linear_filtering {
@@ -52,7 +55,10 @@ public:
         bool const isInPlace = access::areOnOneImage(in.getInterface(), out.getInterface());
         auto const outputs = out.createRowCacheReadWrite(1);
         auto const safe = OutputRow::safeBoxOf(block, overlapBetween(in, out, m_points.reach()), out);
-        RowsOfBlock<typename Filter::InputView> rows(in, block, m_points.lowest, m_points.highest);
+        // Taken out: an image whose rows are read by tasks of its own may let this thread begin another block
+        // meanwhile.
+        RowMemory<T> memory = std::exchange(m_memory.local(), {});
+        RowsOfBlock<typename Filter::InputView> rows(in, block, m_points.lowest, m_points.highest, memory);
         std::vector<T const*> lines(m_points.lines.size());
         std::vector<T const*> points(m_points.weights.size());
         for (long z = 0; z < static_cast<long>(block.getNbPlans()); ++z) {
@@ -68,11 +74,13 @@ public:
                 row.writeRow(safe);
             }
         }
+        m_memory.local() = std::move(memory);
     }
 
 private:
     FIRPoints<T> const& m_points;
     WeightedSum<T> m_sum;
+    tbb::enumerable_thread_specific<RowMemory<T>> m_memory;
 };
 
 /// Runs a filter over whole images, plan by plan or through space, in T.

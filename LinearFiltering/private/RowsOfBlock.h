@@ -13,6 +13,24 @@ namespace qel::linear_filtering {
 
 using access::Step;
 
+/// Memory that goes from one block to the next. Not cleared.
+template <class T> class RowMemory
+{
+public:
+    T* atLeast(unsigned long count)
+    {
+        if (m_count < count) {
+            m_voxels.reset(new T[count]);
+            m_count = count;
+        }
+        return m_voxels.get();
+    }
+
+private:
+    std::unique_ptr<T[]> m_voxels;
+    unsigned long m_count = 0;
+};
+
 /// The rows of an image that a block reads, within reach of `lowest` to `highest` from the block's own rows; each is
 /// read once, when it is first asked for.
 ///
@@ -25,7 +43,8 @@ public:
     using VoxelType = typename View::VoxelType;
 
     /// `lowest` is at most 0 on each axis, and `highest` at least 0.
-    RowsOfBlock(View const& view, access::Block const& block, Step const& lowest, Step const& highest)
+    RowsOfBlock(View const& view, access::Block const& block, Step const& lowest, Step const& highest,
+                RowMemory<VoxelType>& memory)
         : m_view(view)
         , m_origin{static_cast<long>(block.colsBegin()) + lowest.x, static_cast<long>(block.rowsBegin()),
                    static_cast<long>(block.plansBegin()), static_cast<long>(block.timeSeriesBegin()),
@@ -39,15 +58,21 @@ public:
         // Rows that stand a multiple of the page size apart would share their places in the cache.
         , m_stride(m_length + 128 / sizeof(VoxelType))
         , m_held(static_cast<unsigned long>(m_plans * m_rows))
-        , m_voxels(new VoxelType[m_held.size() * m_stride])
-    {}
+        , m_voxels(memory.atLeast(m_held.size() * m_stride))
+    {
+        // Divisions would take as long as the sums of a short row.
+        for (long y = 0; y < m_numOfRows + highest.y - lowest.y; ++y)
+            m_slotsOfRows.push_back(static_cast<unsigned long>(y % m_rows));
+        for (long z = 0; z < static_cast<long>(block.getNbPlans()) + highest.z - lowest.z; ++z)
+            m_slotsOfPlans.push_back(static_cast<unsigned long>(z % m_plans * m_rows));
+    }
 
     /// The row `y` rows and `z` plans from the first one of the block. Voxel 0 is the first column of the block.
     VoxelType const* row(long y, long z)
     {
-        unsigned long const slot =
-            static_cast<unsigned long>((z - m_lowest.z) % m_plans * m_rows + (y - m_lowest.y) % m_rows);
-        VoxelType* const voxels = m_voxels.get() + slot * m_stride;
+        unsigned long const slot = m_slotsOfPlans[static_cast<unsigned long>(z - m_lowest.z)] +
+                                   m_slotsOfRows[static_cast<unsigned long>(y - m_lowest.y)];
+        VoxelType* const voxels = m_voxels + slot * m_stride;
         if (m_held[slot].y != y || m_held[slot].z != z) {
             m_view.read(voxels, m_length, m_origin.column, m_origin.row + y, m_origin.plan + z, m_origin.timeSeries,
                         m_origin.spectralSeries);
@@ -91,8 +116,10 @@ private:
     long m_rows;
     unsigned long m_length;
     unsigned long m_stride;
+    std::vector<unsigned long> m_slotsOfRows; // from the lowest row on
+    std::vector<unsigned long> m_slotsOfPlans;
     std::vector<Place> m_held; // which row stands in each slot
-    std::unique_ptr<VoxelType[]> m_voxels;
+    VoxelType* m_voxels;
 };
 
 } // namespace qel::linear_filtering

@@ -51,7 +51,7 @@ template <class T> boost::shared_ptr<AbstractPartitionerPolicy> partitionFor(FIR
     return boost::make_shared<PartitionerInfoFixed>(
         std::max(256ul, 8 * beyondCols),
         std::max({rowsInCache > beyondRows ? rowsInCache - beyondRows : 0, 8ul, beyondRows}),
-        std::max(64ul, 8 * beyondPlans));
+        std::max(128ul, 16 * beyondPlans));
 }
 
 } // namespace
