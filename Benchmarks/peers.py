@@ -196,6 +196,62 @@ def _(type, form, radius):
     return lambda: rank.median(a, window, out=out)
 
 
+# Morphology
+
+
+def disk(radius):
+    y, x = np.ogrid[-radius : radius + 1, -radius : radius + 1]
+    return (x * x + y * y <= radius * radius).astype("uint8")
+
+
+@peer(cv2, "Erosion2D:{neighbours}/{type}/sse/4096/iterations:{iterations}", neighbours=(4, 8), type=TYPES,
+      iterations=(1, 10))
+def _(neighbours, type, iterations):
+    a = picture("g", "4096", type)
+    out = np.zeros_like(a)
+    element = cv2.getStructuringElement(cv2.MORPH_CROSS if neighbours == 4 else cv2.MORPH_RECT, (3, 3))
+    return lambda: cv2.erode(a, element, out, iterations=iterations)
+
+
+@peer(ndimage, "Erosion2D:8/{type}/sse/4096/iterations:1", type=TYPES)
+def _(type):
+    a = picture("g", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: ndimage.grey_erosion(a, (3, 3), output=out)
+
+
+@peer(ndimage, "Erosion3D:26/{type}/sse/256^3/iterations:{iterations}", type=TYPES, iterations=(1, 10))
+def _(type, iterations):
+    a = picture("g", "256^3", type)
+    out = np.zeros_like(a)
+    side = 2 * iterations + 1
+    return lambda: ndimage.grey_erosion(a, (side, side, side), output=out)
+
+
+@peer(cv2, "ErosionDisk2D:precise/{type}/sse/4096/radius:{radius}", type=TYPES, radius=(3, 10))
+def _(type, radius):
+    a = picture("g", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: cv2.erode(a, disk(radius), out)
+
+
+@peer(cv2, "OpeningDisk2D:precise/{type}/scalar/4096/radius:10", type=TYPES)
+def _(type):
+    a = picture("g", "4096", type)
+    out = np.zeros_like(a)
+    return lambda: cv2.morphologyEx(a, cv2.MORPH_OPEN, disk(10), out)
+
+
+@peer(cv2, "ErosionLine2D:{angle}/{type}/sse/4096/size:{size}", angle=(0, 10), type=TYPES, size=(15, 101))
+def _(angle, type, size):
+    a = picture("g", "4096", type)
+    out = np.zeros_like(a)
+    rows = np.floor(np.arange(size) * np.tan(np.radians(angle)) + 0.5).astype(int)
+    element = np.zeros((rows[-1] + 1, size), "uint8")
+    element[rows, np.arange(size)] = 1
+    return lambda: cv2.erode(a, element, out, anchor=(0, 0))
+
+
 # Segmentation
 
 

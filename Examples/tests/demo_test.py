@@ -63,6 +63,22 @@ grains = voxels("cermet.qeli")
 parts = parts_that_touch((i for i, v in enumerate(grains) if v < 100), 256)
 assert number(r"counted: (\d+) connected parts") == parts, parts
 
+# An opening: first the smallest under the disk, then the largest; what lies outside never wins.
+def under_disk(image, radius, chosen, outside):
+    steps = [(x, y) for y in range(-radius, radius + 1) for x in range(-radius, radius + 1) if x * x + y * y <= radius * radius]
+    wide = [[outside] * (256 + 2 * radius)] * radius
+    rows = wide + [[outside] * radius + image[y * 256:y * 256 + 256] + [outside] * radius for y in range(256)] + wide
+    return [chosen(column) for y in range(radius, 256 + radius)
+            for column in zip(*(rows[y + dy][radius + dx:radius + dx + 256] for dx, dy in steps))]
+
+
+opened = [[255 - v for v in grains]]
+for radius in (1, 2, 3):
+    opened.append(under_disk(under_disk(opened[0], radius, min, 255), radius, max, 0))
+taken = [int(voxels) for voxels in re.findall(r"^radius +\d+ takes +(\d+),", output, re.M)]
+assert len(taken) == 12 and taken[:3] == [sum(a) - sum(b) for a, b in zip(opened, opened[1:])], taken
+assert int(number(r"most is taken at radius (\d+)")) == 1 + taken.index(max(taken))
+
 # Voxels beyond an edge are those of the mirror image: of the next one, the edge itself.
 clamped = [max(i - 1, 0) for i in range(256)], range(256), [min(i + 1, 255) for i in range(256)]
 taken = [grains[y * 256 + x] - sum(grains[rows[y] * 256 + columns[x]] for rows in clamped for columns in clamped) // 9
@@ -90,7 +106,7 @@ assert begin == len(ascending)
 
 assert output.splitlines()[-1] == str(folder)
 pictures = re.findall(r'src="([^"]*)"', (folder / "index.html").read_text())
-assert len(pictures) == len(set(pictures)) == 29, pictures
+assert len(pictures) == len(set(pictures)) == 33, pictures
 assert set(pictures) == {path.name for path in folder.glob("*.png")}
 for picture in pictures:
     report = subprocess.run([host, "show", folder / picture], check=True, capture_output=True, text=True).stdout

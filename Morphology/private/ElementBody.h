@@ -13,7 +13,7 @@ namespace qel::morphology {
 
 /// The extremum over the elements of a run, one element a pass.
 ///
-/// A block is cut into strips whose intermediate rows fit the cache, and a strip is walked slab by slab: rows in a
+/// A block is cut into strips whose intermediate rows stay in the caches; a strip is walked slab by slab: rows in a
 /// plan, plans in a volume. Each node of the element's graph keeps as many slabs as those behind it look back. The
 /// image is read once a strip, with the margin that the whole element needs, and written once.
 template <class T> class ElementBody
@@ -66,66 +66,79 @@ void ElementBody<T>::runStrip(ElementStrips const& strips, access::Block const& 
     auto const cols = static_cast<long>(strip.getNbCols());
     auto const rows = static_cast<long>(m_isVolume ? strip.getNbRows() : 1);
     auto const slabs = static_cast<long>(m_isVolume ? strip.getNbPlans() : strip.getNbRows());
-    std::vector<Node> const nodes = strips.layOut(cols, rows);
-    auto const buffer = std::make_unique_for_overwrite<T[]>(nodes.back().bufferEnd + static_cast<std::size_t>(cols));
-    T* const outside = buffer.get() + nodes.back().bufferEnd; // a row of what stands outside of the image
+    ElementStrips::Layout const layout = strips.layOut(cols, rows);
+    auto const buffer = std::make_unique_for_overwrite<T[]>(layout.size + static_cast<std::size_t>(cols));
+    T* const outside = buffer.get() + layout.size; // a row of what stands outside of the image
     std::fill_n(outside, cols, m_neutral);
     std::vector<T const*> taps(strips.mostTaps() + 1);
 
-    auto const rowOf = [&](Node const& node, long slab, long row) {
-        return buffer.get() + node.bufferBegin + node.rowInBuffer(slab, row) * node.stride;
-    };
+    access::RowPosition const origin{static_cast<long>(strip.colsBegin()), static_cast<long>(strip.rowsBegin()),
+                                     static_cast<long>(strip.plansBegin()), static_cast<long>(strip.timeSeriesBegin()),
+                                     static_cast<long>(strip.spectralSeriesBegin())};
     auto const position = [&](long slab, long row, long column) {
-        access::RowPosition at;
-        at.column = static_cast<long>(strip.colsBegin()) + column;
-        at.row = static_cast<long>(strip.rowsBegin()) + (m_isVolume ? row : slab);
-        at.plan = static_cast<long>(strip.plansBegin()) + (m_isVolume ? slab : 0);
-        at.timeSeries = static_cast<long>(strip.timeSeriesBegin());
-        at.spectralSeries = static_cast<long>(strip.spectralSeriesBegin());
+        access::RowPosition at = origin;
+        at.column += column;
+        (m_isVolume ? at.plan : at.row) += slab;
+        at.row += row;
         return at;
     };
 
+    std::vector<long> newest = layout.newest; // the place of each node's slab of this step
     for (long step = strips.firstStep(); step < slabs; ++step) {
         if (frame.isCancelled())
             return;
-        for (std::size_t index = 0; index < nodes.size(); ++index) {
-            Node const& node = nodes[index];
+        for (std::size_t index = 0; index < layout.nodes.size(); ++index) {
+            Node const& node = layout.nodes[index];
             long const slab = step + node.slabs.highest;
             if (slab < node.slabs.lowest)
                 continue;
-            bool const isLast = index + 1 == nodes.size();
             auto const count = static_cast<std::size_t>(cols + node.cols.highest - node.cols.lowest);
-            auto const& steps = strips.tapsOf(index);
+            bool const isLast = index + 1 == layout.nodes.size();
+            T* target = buffer.get() + node.bufferBegin + static_cast<std::size_t>(newest[index]) * node.slabSize;
+            long const lastRow = rows + node.rows.highest;
+            if (index == 0) {
+                for (long row = node.rows.lowest; row < lastRow; ++row) {
+                    source.read(target, count, position(slab, row, node.cols.lowest));
+                    if (isLast) {
+                        auto& out = cache.getRow(0, count, position(slab, row, 0));
+                        std::copy_n(target, count, out.data());
+                        out.writeRow(box);
+                    } else if (m_kernels.clean) {
+                        m_kernels.clean(target, count, m_neutral);
+                    }
+                    target += node.stride;
+                }
+                continue;
+            }
+
+            auto const& steps = layout.taps[index];
             for (std::size_t i = 0; i < steps.size(); ++i) {
-                ElementStrips::Tap const& tap = steps[i];
-                Node const& from = nodes[tap.node];
-                taps[i] = rowOf(from, slab + tap.slab, node.rows.lowest + tap.row) +
-                          (node.cols.lowest + tap.column - from.cols.lowest);
+                Node const& from = layout.nodes[steps[i].node];
+                long place = newest[steps[i].node] - steps[i].slabsBack;
+                if (place < 0)
+                    place += from.ringSlabs;
+                taps[i] =
+                    buffer.get() + from.bufferBegin + static_cast<std::size_t>(place) * from.slabSize + steps[i].inSlab;
             }
             std::size_t numOfTaps = steps.size();
             if (isLast && strips.reachesOutside())
                 taps[numOfTaps++] = outside;
-            for (long row = node.rows.lowest; row < rows + node.rows.highest; ++row) {
-                if (index == 0) {
-                    T* const read = rowOf(node, slab, row);
-                    source.read(read, count, position(slab, row, node.cols.lowest));
-                    if (m_kernels.clean && !strips.isCopy())
-                        m_kernels.clean(read, count, m_neutral);
-                }
+            for (long row = node.rows.lowest; row < lastRow; ++row) {
                 if (isLast) {
                     auto& out = cache.getRow(0, count, position(slab, row, 0));
-                    if (index == 0)
-                        std::copy_n(rowOf(node, slab, row), count, out.data());
-                    else
-                        m_kernels.fold(taps.data(), numOfTaps, out.data(), count);
+                    m_kernels.fold(taps.data(), numOfTaps, out.data(), count);
                     out.writeRow(box);
-                } else if (index != 0) {
-                    m_kernels.fold(taps.data(), numOfTaps, rowOf(node, slab, row), count);
+                } else {
+                    m_kernels.fold(taps.data(), numOfTaps, target, count);
+                    target += node.stride;
                 }
                 for (std::size_t i = 0; i < steps.size(); ++i)
-                    taps[i] += nodes[steps[i].node].stride;
+                    taps[i] += layout.nodes[steps[i].node].stride;
             }
         }
+        for (std::size_t index = 0; index < newest.size(); ++index)
+            if (++newest[index] == layout.nodes[index].ringSlabs)
+                newest[index] = 0;
     }
 }
 

@@ -17,31 +17,37 @@ namespace qel::morphology {
 class ElementStrips
 {
 public:
-    /// The steps of a graph, in the axes of a strip.
-    struct Tap
-    {
-        unsigned node;
-        long slab, row, column;
-    };
     struct Interval
     {
         long lowest = 0;
         long highest = 0;
     };
-    /// Which slabs, rows and columns beyond those of the strip a node is computed for, and where they stand.
-    struct Node
+    /// Which slabs, rows and columns beyond those of the strip a node is computed for.
+    struct Reach
     {
         Interval slabs, rows, cols;
-        long ringSlabs = 0;     // how many are kept
-        long rowsInSlab = 0;    // of the strip and beyond
-        std::size_t stride = 0; // voxels from row to row
+        long ringSlabs = 1; // how many slabs those behind it look back at
+    };
+    /// A node's place in the buffer of a strip.
+    struct Node : Reach
+    {
+        std::size_t stride = 0;   // voxels from row to row
+        std::size_t slabSize = 0; // voxels from slab to slab
         std::size_t bufferBegin = 0;
-        std::size_t bufferEnd = 0;
-
-        std::size_t rowInBuffer(long slab, long row) const
-        {
-            return static_cast<std::size_t>(((slab - slabs.lowest) % ringSlabs) * rowsInSlab + (row - rows.lowest));
-        }
+    };
+    /// What a tap reads, from the first voxel of a slab of its node on.
+    struct PlacedTap
+    {
+        unsigned node;
+        long slabsBack; // from the newest one
+        std::size_t inSlab;
+    };
+    struct Layout
+    {
+        std::vector<Node> nodes;
+        std::vector<std::vector<PlacedTap>> taps;
+        std::vector<long> newest; // of each node, the place of its slab of the first step in its ring
+        std::size_t size = 0;     // voxels in all
     };
 
     ElementStrips(ElementGraph const& graph, bool isVolume, std::size_t voxelSize);
@@ -53,17 +59,20 @@ public:
     std::vector<access::Block2d> cut(access::Block2d const& block) const;
     std::vector<access::Block3d> cut(access::Block3d const& block) const;
 
-    /// Of all nodes, for a strip of this size. The last node needs no memory.
-    std::vector<Node> layOut(long cols, long rows) const;
-    std::vector<Tap> const& tapsOf(std::size_t node) const { return m_taps[node]; }
+    /// For a strip of this size. The last node needs no memory.
+    Layout layOut(long cols, long rows) const;
     std::size_t mostTaps() const { return m_mostTaps; }
     /// At step s each node computes its slab s + highest; those before step 0 only fill what the others look back at.
     long firstStep() const { return m_firstStep; }
     bool reachesOutside() const { return m_reachesOutside; }
-    /// An element of the voxel itself.
-    bool isCopy() const { return m_taps.size() == 1 && !m_reachesOutside; }
 
 private:
+    /// The steps of a graph, in the axes of a strip.
+    struct Tap
+    {
+        unsigned node;
+        long slab, row, column;
+    };
     struct Size
     {
         unsigned long cols, rows;
@@ -71,7 +80,7 @@ private:
     Size stripFor(unsigned long cols, unsigned long rows) const;
 
     std::vector<std::vector<Tap>> m_taps;
-    std::vector<Node> m_nodes;
+    std::vector<Reach> m_nodes;
     std::size_t m_mostTaps = 0;
     long m_firstStep = 0;
     bool m_reachesOutside;

@@ -1,8 +1,10 @@
 #include "Morphology/private/ElementGraph.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <map>
+#include <set>
 
 namespace qel::morphology {
 
@@ -144,13 +146,21 @@ std::vector<ElementGraph::Run> ElementGraph::runsOf(std::vector<kernel::Offset3D
 /// The extremum over a run is computed once for all runs of a length, and a slice once for all that are alike.
 Tap ElementGraph::runs(Tap from, std::vector<Run> const& sorted, Order const& order)
 {
+    std::set<unsigned long> lengths;
+    for (Run const& run : sorted)
+        lengths.insert(run.length);
+    if (lengths.size() > 64) {
+        // Rows of them all would not fit the cache: a run becomes two windows of a power of two.
+        unsigned long const longest = *lengths.rbegin();
+        lengths.clear();
+        for (unsigned long length = 1; length <= longest; length *= 2)
+            lengths.insert(length);
+    }
     // From the shortest on: each length out of the one before.
     std::map<unsigned long, Tap> windows;
-    for (Run const& run : sorted)
-        windows.emplace(run.length, from);
     Tap shorter = from;
     unsigned long done = 1;
-    for (auto& [length, window] : windows) {
+    for (unsigned long const length : lengths) {
         while (done < length) {
             unsigned long const next = std::min(length, 3 * done);
             std::vector<Tap> taps{shorter};
@@ -160,8 +170,15 @@ Tap ElementGraph::runs(Tap from, std::vector<Run> const& sorted, Order const& or
             shorter = add(taps);
             done = next;
         }
-        window = shorter;
+        windows.emplace(length, shorter);
     }
+    auto const addTaps = [&](Run const& run, std::vector<Tap>& taps) {
+        auto const& [length, window] = *std::prev(windows.upper_bound(run.length)); // the longest that is not longer
+        Tap const first = window.shifted(order[1], run.row).shifted(order[0], run.begin);
+        taps.push_back(first);
+        if (length < run.length)
+            taps.push_back(first.shifted(order[0], static_cast<long>(run.length - length)));
+    };
 
     std::map<long, std::vector<Run>> slices; // their runs as if they stood in slice 0
     for (Run run : sorted) {
@@ -181,7 +198,7 @@ Tap ElementGraph::runs(Tap from, std::vector<Run> const& sorted, Order const& or
             taps.push_back(known->second);
         } else {
             for (Run const& run : slice)
-                taps.push_back(windows.at(run.length).shifted(order[1], run.row).shifted(order[0], run.begin));
+                addTaps(run, taps);
             if (counts[slice] > 1 && taps.size() > 1) {
                 taps = {add(taps)};
                 shared.emplace(slice, taps.front());

@@ -7,10 +7,11 @@ namespace qel::morphology {
 
 namespace {
 
-/// What the rows of a strip may take: half of a usual second-level cache.
-constexpr double CACHE_BYTES = 512 * 1024;
+/// Rows of so many bytes take twice the time of a few. That is well beyond the second-level cache: rows are read in
+/// order, and come in time from the third.
+constexpr double SLOW_BYTES = 8 * 1024 * 1024;
 /// What a call for one row costs, in bytes read.
-constexpr double ROW_OVERHEAD = 64;
+constexpr double ROW_OVERHEAD = 256;
 
 } // namespace
 
@@ -32,11 +33,10 @@ ElementStrips::ElementStrips(ElementGraph const& graph, bool isVolume, std::size
     auto const reaches = graph.reaches();
     for (std::size_t index = 0; index < m_nodes.size(); ++index) {
         auto const& [lowest, highest] = reaches[index];
-        Node& node = m_nodes[index];
+        Reach& node = m_nodes[index];
         node.cols = {lowest[0], highest[0]};
         node.rows = isVolume ? Interval{lowest[1], highest[1]} : Interval{0, 0};
         node.slabs = isVolume ? Interval{lowest[2], highest[2]} : Interval{lowest[1], highest[1]};
-        node.ringSlabs = 1;
         if (index == 0)
             // In place a slab must have been read before it is written.
             for (Interval* const axis : {&node.slabs, &node.rows, &node.cols})
@@ -45,14 +45,14 @@ ElementStrips::ElementStrips(ElementGraph const& graph, bool isVolume, std::size
     }
     for (std::size_t index = 0; index < m_nodes.size(); ++index)
         for (Tap const& tap : m_taps[index]) {
-            Node& from = m_nodes[tap.node];
+            Reach& from = m_nodes[tap.node];
             from.ringSlabs = std::max(from.ringSlabs, from.slabs.highest - m_nodes[index].slabs.highest - tap.slab + 1);
         }
 }
 
 AlgoBorderInfluence ElementStrips::influence() const
 {
-    Node const& image = m_nodes.front();
+    Reach const& image = m_nodes.front();
     auto const below = [](Interval const& axis) { return static_cast<unsigned long>(std::max(-axis.lowest, 0l)); };
     auto const above = [](Interval const& axis) { return static_cast<unsigned long>(std::max(axis.highest, 0l)); };
     Interval const rows = m_isVolume ? image.rows : image.slabs;
@@ -62,7 +62,7 @@ AlgoBorderInfluence ElementStrips::influence() const
 
 void ElementStrips::widen(RecursiveGrains& grains) const
 {
-    Node const& image = m_nodes.front();
+    Reach const& image = m_nodes.front();
     auto const widened = [](unsigned long grain, Interval const& axis) {
         return std::max(grain, 2 * static_cast<unsigned long>(axis.highest - axis.lowest));
     };
@@ -71,20 +71,30 @@ void ElementStrips::widen(RecursiveGrains& grains) const
     grains.plans = widened(grains.plans, m_isVolume ? image.slabs : Interval{});
 }
 
-std::vector<ElementStrips::Node> ElementStrips::layOut(long cols, long rows) const
+ElementStrips::Layout ElementStrips::layOut(long cols, long rows) const
 {
-    std::vector<Node> nodes = m_nodes;
-    std::size_t end = 0;
-    for (Node& node : nodes) {
-        node.rowsInSlab = rows + node.rows.highest - node.rows.lowest;
+    Layout layout;
+    for (std::size_t index = 0; index < m_nodes.size(); ++index) {
+        Node& node = layout.nodes.emplace_back();
+        static_cast<Reach&>(node) = m_nodes[index];
         node.stride = static_cast<std::size_t>(cols + node.cols.highest - node.cols.lowest);
-        node.bufferBegin = end;
-        bool const isKept = &node != &nodes.back() || nodes.size() == 1;
-        if (isKept)
-            end += static_cast<std::size_t>(node.ringSlabs * node.rowsInSlab) * node.stride;
-        node.bufferEnd = end;
+        node.slabSize = static_cast<std::size_t>(rows + node.rows.highest - node.rows.lowest) * node.stride;
+        node.bufferBegin = layout.size;
+        if (index == 0 || index + 1 < m_nodes.size())
+            layout.size += static_cast<std::size_t>(node.ringSlabs) * node.slabSize;
+        long const first = (m_firstStep + node.slabs.highest - node.slabs.lowest) % node.ringSlabs;
+        layout.newest.push_back(first < 0 ? first + node.ringSlabs : first);
+
+        auto& taps = layout.taps.emplace_back();
+        for (Tap const& tap : m_taps[index]) {
+            Node const& from = layout.nodes[tap.node];
+            long const row = node.rows.lowest + tap.row - from.rows.lowest;
+            long const column = node.cols.lowest + tap.column - from.cols.lowest;
+            taps.push_back({tap.node, from.slabs.highest - node.slabs.highest - tap.slab,
+                            static_cast<std::size_t>(row) * from.stride + static_cast<std::size_t>(column)});
+        }
     }
-    return nodes;
+    return layout;
 }
 
 ElementStrips::Size ElementStrips::stripFor(unsigned long cols, unsigned long rows) const
@@ -99,15 +109,13 @@ ElementStrips::Size ElementStrips::stripFor(unsigned long cols, unsigned long ro
             double accesses = 0;
             double memory = 0;
             for (std::size_t index = 0; index < m_nodes.size(); ++index) {
-                Node const& node = m_nodes[index];
+                Reach const& node = m_nodes[index];
                 double const nodeRows = static_cast<double>(size.rows) + extent(node.rows);
                 double const nodeCols = (static_cast<double>(size.cols) + extent(node.cols)) * bytes;
                 accesses += static_cast<double>(m_taps[index].size() + 1) * nodeRows * (nodeCols + ROW_OVERHEAD);
                 memory += static_cast<double>(node.ringSlabs) * nodeRows * nodeCols;
             }
-            // Rows that left the cache are slower to get at.
-            double const cost = accesses / static_cast<double>(size.cols * size.rows) *
-                                (memory > CACHE_BYTES ? std::min(1 + memory / CACHE_BYTES / 2, 4.0) : 1);
+            double const cost = accesses / static_cast<double>(size.cols * size.rows) * (1 + memory / SLOW_BYTES);
             if (cost < lowest) {
                 lowest = cost;
                 best = size;

@@ -22,6 +22,8 @@ using Offsets = std::vector<kernel::Offset3D>;
 constexpr unsigned long REACH_IN_PLANS = 32;
 constexpr unsigned long REACH_IN_VOLUMES = 16;
 
+constexpr double PI = 3.141592653589793;
+
 enum class Step
 {
     Of4,
@@ -126,6 +128,52 @@ Offsets offsetsOf(StructuringElement const& element, unsigned long size)
     return kernel::generateDiskOffset3DCollection(element.phi, element.theta, size);
 }
 
+/// Those of them that reach furthest, without all others: the element may be larger than the memory.
+Offsets outermost(StructuringElement const& element)
+{
+    if (element.size == 0 && element.form != Form::OfDisk3D)
+        return {};
+    if (element.form == Form::OfLine2D) {
+        kernel::DigitalLine2D const line(element.angle, true);
+        return inSpace({line(0), line(element.size - 1)});
+    }
+    if (element.form == Form::OfLine3D) {
+        kernel::DigitalLine3D const line(element.phi, element.theta, true);
+        return {line(0), line(element.size - 1)};
+    }
+    // The furthest in a direction is a voxel of the edge, and as near to the furthest point of the circle as the circle
+    // takes to fall by one voxel: about root(2 r).
+    kernel::PlaneInSpace const plane(element.phi, element.theta);
+    auto const radius = static_cast<double>(element.size);
+    auto const whole = static_cast<long>(element.size);
+    double const radiansOfPhi = element.phi * PI / 180;
+    double const radiansOfTheta = element.theta * PI / 180;
+    auto const window = static_cast<long>(2 * std::sqrt(2 * radius)) + 4;
+    Offsets offsets;
+    auto const addAround = [&](double a, double b) {
+        double const length = std::hypot(a, b);
+        auto const furthest = length > 0 ? static_cast<long>(radius * a / length) : 0;
+        for (long const centre : {furthest, -furthest})
+            for (long i = std::max(centre - window, -whole); i <= std::min(centre + window, whole); ++i) {
+                auto const square = [](long value) {
+                    return static_cast<unsigned long>(value) * static_cast<unsigned long>(value);
+                };
+                unsigned long const rest = square(whole) - square(i);
+                auto j = std::min(static_cast<long>(std::sqrt(static_cast<double>(rest))), whole);
+                while (square(j) > rest)
+                    --j;
+                while (j < whole && square(j + 1) <= rest)
+                    ++j;
+                offsets.push_back(plane({i, j}));
+                offsets.push_back(plane({i, -j}));
+            }
+    };
+    addAround(std::cos(radiansOfTheta) * std::cos(radiansOfPhi), std::sin(radiansOfTheta)); // columns
+    addAround(std::sin(radiansOfTheta) * std::cos(radiansOfPhi), std::cos(radiansOfTheta)); // rows
+    addAround(1, 0);                                                                        // plans
+    return offsets;
+}
+
 bool isLine(Form form) { return form == Form::OfLine2D || form == Form::OfLine3D; }
 
 } // namespace
@@ -145,7 +193,7 @@ AlgoBorderInfluence StructuringElement::influence() const
         break;
     }
     long minX, maxX, minY, maxY, minZ, maxZ;
-    kernel::computeExtrema(offsetsOf(*this, size), minX, maxX, minY, maxY, minZ, maxZ);
+    kernel::computeExtrema(outermost(*this), minX, maxX, minY, maxY, minZ, maxZ);
     auto const below = [](long lowest) { return lowest < 0 ? 0 - static_cast<unsigned long>(lowest) : 0; };
     auto const above = [](long highest) { return highest < 0 ? 0 : static_cast<unsigned long>(highest); };
     return {below(minX), above(maxX), below(minY), above(maxY), below(minZ), above(maxZ), 0, 0, 0, 0};

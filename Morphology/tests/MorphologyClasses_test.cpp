@@ -197,6 +197,15 @@ TEST(MorphologyClassesTest, leaveTheOutputAloneForAFastDiskOfNothing)
         }
 }
 
+/// The same with an element of absurd size.
+Setting huge(Setting setting)
+{
+    for (auto& [name, value] : setting.properties)
+        if (name == "nbIter" || name == "elementSize")
+            value = "4000000000";
+    return setting;
+}
+
 std::vector<unsigned long> influenceOf(BaseAlgorithm const& algorithm)
 {
     AlgoBorderInfluence const influence = algorithm.getAlgoBorderInfluence();
@@ -222,11 +231,19 @@ TEST(MorphologyClassesTest, stateTheReachOfOneElement)
         {lineInSpace(0, 0, 6), {0, 0, 0, 0, 0, 5, 0, 0, 0, 0}},
         {lineInSpace(-90, 90, 4), {0, 0, 3, 0, 0, 0, 0, 0, 0, 0}},
         {diskInSpace(0, 0, 3), {3, 3, 3, 3, 0, 0, 0, 0, 0, 0}},
-        {diskInSpace(0, 90, 2), {0, 0, 2, 2, 2, 2, 0, 0, 0, 0}}};
+        {diskInSpace(0, 90, 2), {0, 0, 2, 2, 2, 2, 0, 0, 0, 0}},
+        {huge(line(-135, 1)), {3999999999, 0, 3999999999, 0, 0, 0, 0, 0, 0, 0}},
+        {huge(lineInSpace(0, 180, 1)), {0, 0, 0, 0, 3999999999, 0, 0, 0, 0, 0}},
+        {huge(diskInSpace(90, 0, 1)), {4000000000, 4000000000, 4000000000, 4000000000, 0, 0, 0, 0, 0, 0}}};
     for (auto const& [setting, counts] : cases)
         for (std::string const& operation : operators())
             EXPECT_EQ(influenceOf(*create(operation, setting)), counts) << operation << setting;
-    for (Setting const& setting : smallSettings()) {
+    std::vector<Setting> settings = smallSettings();
+    for (unsigned long radius = 0; radius < 40; ++radius)
+        settings.push_back(
+            diskInSpace(17 * static_cast<double>(radius) - 300, 23 * static_cast<double>(radius) - 200, radius));
+    settings.push_back(diskInSpace(33, 60, 700));
+    for (Setting const& setting : settings) {
         long reach[6];
         if (setting.form.find("Line") == std::string::npos && setting.form != "Disk3D")
             continue;
@@ -268,12 +285,6 @@ TEST(MorphologyClassesTest, reportProgressAndCanBeCancelled)
 
 TEST(MorphologyClassesTest, endInTimeAndMemoryOfTheImageForElementsOfAnySize)
 {
-    auto const huge = [](Setting setting) {
-        for (auto& [name, value] : setting.properties)
-            if (name == "nbIter" || name == "elementSize")
-                value = "4000000000";
-        return setting;
-    };
     Picture<float> in = randomPictureBetween<float>({17, 13, 5}, 3, -100, 100);
     for (Setting const& setting :
          {ofPlans(1, 4), ofPlans(1, 8), ofVolumes(1, 6), ofVolumes(1, 18), ofVolumes(1, 26), disk(1, false),

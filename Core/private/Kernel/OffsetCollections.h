@@ -44,13 +44,46 @@ std::vector<Offset3D> generateSphereOffset3DCollection(unsigned long radius);
 /// `count` rounded unit steps from the origin in the direction of `angle`. Steps may fall together.
 std::vector<Offset2D> generateLineOffset2DCollection(double angle, unsigned long count);
 
-/// A line from the origin with one step along its dominant axis for each of `count` offsets. With `convention`, the
-/// lines of two opposite angles are exact mirror images of each other.
+/// A line from the origin, of any length: its offset after so many steps along its dominant axis. With `convention`,
+/// the lines of two opposite angles are exact mirror images of each other.
+class DigitalLine2D
+{
+public:
+    DigitalLine2D(double angle, bool convention);
+    Offset2D operator()(unsigned long step) const;
+
+private:
+    double m_cos, m_sin;
+    bool m_isReversed;
+};
+/// `phi` is the polar angle from the axis of plans, `theta` the azimuth.
+class DigitalLine3D
+{
+public:
+    DigitalLine3D(double phi, double theta, bool convention);
+    Offset3D operator()(unsigned long step) const;
+
+private:
+    double m_x, m_y, m_z; // of the direction
+    bool m_isReversed;
+};
+
+/// The first `count` offsets of such a line.
 std::vector<Offset2D> generateLineOffset2DCollectionWithConstNumOfPixels(double angle, unsigned long count,
                                                                          bool convention);
-/// `phi` is the polar angle from the axis of plans, `theta` the azimuth.
 std::vector<Offset3D> generateLineOffset3DCollectionWithConstNumOfPixels(double phi, double theta, unsigned long count,
                                                                          bool convention);
+
+/// Turns a point of the plane of columns and rows into that which is normal to the line of the two angles, and rounds.
+class PlaneInSpace
+{
+public:
+    PlaneInSpace(double phi, double theta);
+    Offset3D operator()(Offset2D const& point) const;
+
+private:
+    double m_cosPhi, m_sinPhi, m_cosTheta, m_sinTheta;
+};
 
 /// The rounded points of the disk that is normal to the line of the same two angles. Points that fall together stay.
 std::vector<Offset3D> generateDiskOffset3DCollection(double phi, double theta, unsigned long radius);

@@ -218,76 +218,100 @@ std::vector<Offset2D> generateLineOffset2DCollection(double angle, unsigned long
     return line;
 }
 
+DigitalLine2D::DigitalLine2D(double angle, bool convention)
+{
+    angle = toConventionAngles(angle);
+    m_isReversed = convention && angle < 0;
+    if (m_isReversed)
+        angle += 180;
+    m_cos = std::cos(toRadians(angle));
+    m_sin = std::sin(toRadians(angle));
+}
+
+Offset2D DigitalLine2D::operator()(unsigned long step) const
+{
+    long const whole = static_cast<long>(step);
+    double const i = static_cast<double>(step);
+    Offset2D const offset = std::abs(m_cos) > std::abs(m_sin)
+                                ? Offset2D{whole * stepsTowards(m_cos), roundedDown(i * m_sin / std::abs(m_cos) + 0.5)}
+                                : Offset2D{roundedDown(i * m_cos / std::abs(m_sin) + 0.5), whole * stepsTowards(m_sin)};
+    return m_isReversed ? negated(offset) : offset;
+}
+
+DigitalLine3D::DigitalLine3D(double phi, double theta, bool convention)
+{
+    toConventionAngles(phi, theta);
+    m_isReversed = convention && theta < 0;
+    if (m_isReversed) {
+        theta += 180;
+        phi = 180 - phi;
+    }
+    m_x = std::sin(toRadians(phi)) * std::cos(toRadians(theta));
+    m_y = std::sin(toRadians(phi)) * std::sin(toRadians(theta));
+    m_z = std::cos(toRadians(phi));
+}
+
+Offset3D DigitalLine3D::operator()(unsigned long step) const
+{
+    long const whole = static_cast<long>(step);
+    double const i = static_cast<double>(step);
+    double const lengthX = std::abs(m_x);
+    double const lengthY = std::abs(m_y);
+    double const lengthZ = std::abs(m_z);
+    Offset3D offset;
+    if (lengthX > lengthY && lengthX > lengthZ)
+        offset = {whole * stepsTowards(m_x), roundedDown(m_y * i / lengthX + 0.5),
+                  roundedDown(m_z * i / lengthX + 0.5)};
+    else if (lengthY > lengthZ)
+        offset = {roundedDown(m_x * i / lengthY + 0.5), whole * stepsTowards(m_y),
+                  roundedDown(m_z * i / lengthY + 0.5)};
+    else
+        offset = {roundedDown(m_x * i / lengthZ + 0.5), roundedDown(m_y * i / lengthZ + 0.5),
+                  whole * stepsTowards(m_z)};
+    return m_isReversed ? negated(offset) : offset;
+}
+
 std::vector<Offset2D> generateLineOffset2DCollectionWithConstNumOfPixels(double angle, unsigned long count,
                                                                          bool convention)
 {
-    angle = toConventionAngles(angle);
-    bool const isReversed = convention && angle < 0;
-    if (isReversed)
-        angle += 180;
-    double const c = std::cos(toRadians(angle));
-    double const s = std::sin(toRadians(angle));
-    std::vector<Offset2D> line;
-    for (unsigned long step = 0; step < count; ++step) {
-        long const whole = static_cast<long>(step);
-        double const i = static_cast<double>(step);
-        if (std::abs(c) > std::abs(s))
-            line.push_back({whole * stepsTowards(c), roundedDown(i * s / std::abs(c) + 0.5)});
-        else
-            line.push_back({roundedDown(i * c / std::abs(s) + 0.5), whole * stepsTowards(s)});
-    }
-    if (isReversed)
-        invert(line);
-    return line;
+    DigitalLine2D const line(angle, convention);
+    std::vector<Offset2D> collection;
+    for (unsigned long step = 0; step < count; ++step)
+        collection.push_back(line(step));
+    return collection;
 }
 
 std::vector<Offset3D> generateLineOffset3DCollectionWithConstNumOfPixels(double phi, double theta, unsigned long count,
                                                                          bool convention)
 {
-    toConventionAngles(phi, theta);
-    bool const isReversed = convention && theta < 0;
-    if (isReversed) {
-        theta += 180;
-        phi = 180 - phi;
-    }
-    double const dx = std::sin(toRadians(phi)) * std::cos(toRadians(theta));
-    double const dy = std::sin(toRadians(phi)) * std::sin(toRadians(theta));
-    double const dz = std::cos(toRadians(phi));
-    double const lengthX = std::abs(dx);
-    double const lengthY = std::abs(dy);
-    double const lengthZ = std::abs(dz);
-    std::vector<Offset3D> line;
-    for (unsigned long step = 0; step < count; ++step) {
-        long const whole = static_cast<long>(step);
-        double const i = static_cast<double>(step);
-        if (lengthX > lengthY && lengthX > lengthZ)
-            line.push_back(
-                {whole * stepsTowards(dx), roundedDown(dy * i / lengthX + 0.5), roundedDown(dz * i / lengthX + 0.5)});
-        else if (lengthY > lengthZ)
-            line.push_back(
-                {roundedDown(dx * i / lengthY + 0.5), whole * stepsTowards(dy), roundedDown(dz * i / lengthY + 0.5)});
-        else
-            line.push_back(
-                {roundedDown(dx * i / lengthZ + 0.5), roundedDown(dy * i / lengthZ + 0.5), whole * stepsTowards(dz)});
-    }
-    if (isReversed)
-        invert(line);
-    return line;
+    DigitalLine3D const line(phi, theta, convention);
+    std::vector<Offset3D> collection;
+    for (unsigned long step = 0; step < count; ++step)
+        collection.push_back(line(step));
+    return collection;
+}
+
+PlaneInSpace::PlaneInSpace(double phi, double theta)
+    : m_cosPhi(std::cos(toRadians(phi)))
+    , m_sinPhi(std::sin(toRadians(phi)))
+    , m_cosTheta(std::cos(toRadians(theta)))
+    , m_sinTheta(std::sin(toRadians(theta)))
+{}
+
+Offset3D PlaneInSpace::operator()(Offset2D const& point) const
+{
+    double const i = static_cast<double>(point.x);
+    double const j = static_cast<double>(point.y);
+    return {roundedDown(m_cosTheta * m_cosPhi * i + 0.5 - m_sinTheta * j),
+            roundedDown(m_sinTheta * m_cosPhi * i + 0.5 + m_cosTheta * j), roundedDown(0.5 - m_sinPhi * i)};
 }
 
 std::vector<Offset3D> generateDiskOffset3DCollection(double phi, double theta, unsigned long radius)
 {
-    double const cosPhi = std::cos(toRadians(phi));
-    double const sinPhi = std::sin(toRadians(phi));
-    double const cosTheta = std::cos(toRadians(theta));
-    double const sinTheta = std::sin(toRadians(theta));
+    PlaneInSpace const plane(phi, theta);
     std::vector<Offset3D> disk;
-    for (Offset2D const& point : generateDiskOffset2DCollection(radius)) {
-        double const i = static_cast<double>(point.x);
-        double const j = static_cast<double>(point.y);
-        disk.push_back({roundedDown(cosTheta * cosPhi * i + 0.5 - sinTheta * j),
-                        roundedDown(sinTheta * cosPhi * i + 0.5 + cosTheta * j), roundedDown(0.5 - sinPhi * i)});
-    }
+    for (Offset2D const& point : generateDiskOffset2DCollection(radius))
+        disk.push_back(plane(point));
     return disk;
 }
 
