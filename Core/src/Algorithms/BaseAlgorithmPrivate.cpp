@@ -174,7 +174,8 @@ double BaseAlgorithmPrivate::getProgress()
 {
     std::lock_guard const guard(mutex);
     if (impl)
-        lastProgress = impl->getProgress();
+        // Between two children, a composite has neither the one's part nor the next step.
+        lastProgress = std::max(lastProgress, impl->getProgress());
     return lastProgress;
 }
 
