@@ -917,8 +917,8 @@ TEST_F(BaseAlgorithmTest, aChildImplementationThatComesAfterTheCancellationIsCan
     EXPECT_TRUE(middle.isCancelled());
     EXPECT_TRUE(bottom.isCancelled());
 
-    PlainImplementation later(nullptr);
     PlainImplementation running(nullptr);
+    PlainImplementation later(nullptr); // gone first, as children are
     running.setCurrentChild(&later);
     EXPECT_FALSE(later.isCancelled());
 }

@@ -56,7 +56,7 @@ template <class T> T mixed(T here, std::vector<T> const& visited)
     } else {
         T sum = here;
         for (T value : visited)
-            sum = static_cast<T>(T(sum * 3) + value);
+            sum = static_cast<T>(static_cast<unsigned long>(sum) * 3 + static_cast<unsigned long>(value)); // wraps
         return sum;
     }
 }
