@@ -911,10 +911,15 @@ TEST(FramesWithReductionTest, exceptionsOfBodiesReachTheCallerAndLeaveNothingBeh
 
 struct DifferenceKernel
 {
+    /// Wraps where a long would overflow.
+    template <class T> static unsigned long wide(T value)
+    {
+        return static_cast<unsigned long>(static_cast<long>(value));
+    }
     template <class A, class B, class C> void operator()(A const* a, B const* b, C* out, unsigned long count) const
     {
         for (unsigned long i = 0; i < count; ++i)
-            out[i] = static_cast<C>(static_cast<long>(a[i]) - static_cast<long>(b[i]));
+            out[i] = static_cast<C>(static_cast<long>(wide(a[i]) - wide(b[i])));
     }
 };
 struct PairBody2d
