@@ -23,3 +23,8 @@ public:
 };
 
 } // namespace qel
+
+/// Lets Data::load make objects of a class by its name. Used once, in the unit of the class, with its static BaseNew().
+#define QEL_REGISTER_OBJECT(Class)                                                                                     \
+    [[maybe_unused]] static bool const objectIsRegistered##Class =                                                     \
+        (::qel::ObjectInfoPrivate::createInfo(#Class, &Class::BaseNew), true);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qel/Object.h>
+#include <qel/Ref.h>
 #include <qel/String.h>
 
 namespace qel {
@@ -26,6 +27,14 @@ public:
     virtual void write(String const& path, WriteMode const& mode, bool overwrite) const = 0;
     /// True when `other` is of the same class and has the same content.
     virtual bool operator==(Data const& other) const = 0;
+
+    /// Reads an object file of any registered class: makes an object of the class that the file names, and lets it read
+    /// the file. Null where that class is registered but no Data.
+    ///
+    /// Throws SerializationException where there is no such file, where it cannot be opened or has another magic
+    /// number than "QELO", where its class name is longer than the file, and where the class reports it; RuntimeError
+    /// where no class of that name is registered.
+    static Ref<Data> load(String const& path);
 
 protected:
     Data();
