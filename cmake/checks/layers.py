@@ -7,7 +7,8 @@ LAYERS = [{"Math", "Core"},
           {"PointOperations", "LinearFiltering", "Miscellaneous", "Analysis", "Tools"},
           {"Filtering"},
           {"NonlinearFiltering", "Morphology", "Segmentation"},
-          {"Classification", "Registration", "Geometry"}]
+          {"Classification", "Geometry"},
+          {"Registration"}]
 RANK = {module: rank for rank, layer in enumerate(LAYERS) for module in layer}
 EVERYTHING = "qel/quelide.h"  # the header of all headers
 
