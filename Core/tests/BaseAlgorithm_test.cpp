@@ -27,6 +27,10 @@
 #include <thread>
 #include <vector>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace qel::test {
 
 /// An algorithm that does in its run what a test tells it.
@@ -202,6 +206,25 @@ template <class Condition> bool waitUntil(Condition&& condition)
         std::this_thread::sleep_for(1ms);
     }
     return true;
+}
+
+/// Calls the callable where there are two threads, of which one, the worker, is kept elsewhere.
+template <class Callable> void withTheOneWorkerBusy(Callable&& callable)
+{
+    withThreads(2, [&] {
+        tbb::task_arena elsewhere(2);
+        std::atomic<bool> isBusy{false};
+        std::atomic<bool> mayGo{false};
+        elsewhere.enqueue([&] {
+            isBusy = true;
+            EXPECT_TRUE(waitUntil([&] { return mayGo.load(); }));
+            isBusy = false;
+        });
+        ASSERT_TRUE(waitUntil([&] { return isBusy.load(); }));
+        callable();
+        mayGo = true;
+        EXPECT_TRUE(waitUntil([&] { return !isBusy; }));
+    });
 }
 
 class Host final : public algorithms::InteractionInterface
@@ -781,6 +804,47 @@ TEST_F(BaseAlgorithmTest, progressOfAFailedRunStaysWhereItStopped)
     expectRunnable();
 }
 
+TEST_F(BaseAlgorithmTest, progressDoesNotFallBetweenTheChildrenOfACompositeButStartsAgainWithARun)
+{
+    std::vector<double> ofWork;
+    std::vector<double> ofAlgorithm;
+    ProbeAlgorithm::work = [&](ProbeAlgorithm& algorithm, OptimLevelType) {
+        PlainImplementation composite(&algorithm);
+        composite.setNumOfSteps(2);
+        algorithms::AbstractPrivateImplementation::Publication const publication(composite);
+        auto const look = [&] {
+            ofWork.push_back(composite.getProgress());
+            ofAlgorithm.push_back(algorithm.getProgress());
+        };
+        look();
+        {
+            PlainImplementation child(nullptr);
+            composite.setCurrentChild(&child);
+            child.setTotalWork(4);
+            look();
+            child.addDoneWork(3);
+            look();
+        }
+        look();
+        composite.nextStep();
+        look();
+        PlainImplementation child(nullptr);
+        composite.setCurrentChild(&child);
+        child.setTotalWork(2);
+        child.addDoneWork(1);
+        look();
+        child.addDoneWork(1);
+        look();
+    };
+    for (int run = 0; run < 2; ++run) {
+        ofWork.clear();
+        ofAlgorithm.clear();
+        probe->run();
+        EXPECT_EQ(ofWork, (std::vector{0.0, 0.0, 37.5, 0.0, 50.0, 75.0, 100.0}));
+        EXPECT_EQ(ofAlgorithm, (std::vector{0.0, 0.0, 37.5, 37.5, 50.0, 75.0, 100.0}));
+    }
+}
+
 TEST_F(BaseAlgorithmTest, progressOfAChainGoesOnFromStepToStep)
 {
     Ref<ChainAlgorithm> const chain(ChainAlgorithm::New());
@@ -1077,18 +1141,7 @@ TEST_F(BaseAlgorithmTest, aHostThatCancelsBeforeTheFrameExistsIsHeard)
 
 TEST_F(BaseAlgorithmTest, aHostThatCancelsBeforeAThreadIsFreeIsHeard)
 {
-    withThreads(2, [&] {
-        // The one worker there is has other things to do.
-        tbb::task_arena elsewhere(2);
-        std::atomic<bool> isBusy{false};
-        std::atomic<bool> mayGo{false};
-        elsewhere.enqueue([&] {
-            isBusy = true;
-            EXPECT_TRUE(waitUntil([&] { return mayGo.load(); }));
-            isBusy = false;
-        });
-        ASSERT_TRUE(waitUntil([&] { return isBusy.load(); }));
-
+    withTheOneWorkerBusy([&] {
         host.onQuestion = [] { return true; };
         int blocks = -1;
         ProbeAlgorithm::work = [&](ProbeAlgorithm& algorithm, OptimLevelType) {
@@ -1098,10 +1151,51 @@ TEST_F(BaseAlgorithmTest, aHostThatCancelsBeforeAThreadIsFreeIsHeard)
         };
         EXPECT_NO_THROW(probe->run(&host));
         EXPECT_EQ(blocks, 0);
-        mayGo = true;
-        EXPECT_TRUE(waitUntil([&] { return !isBusy; }));
     });
     expectRunnable();
+}
+
+TEST_F(BaseAlgorithmTest, whatThePollingThreadDoesItselfLeavesNothingForALateWorker)
+{
+    withTheOneWorkerBusy([&] {
+        auto const caller = std::this_thread::get_id();
+        host.onQuestion = [] { return true; };
+        int runs = 0;
+        for (int i = 0; i < 10; ++i) {
+            Ref<ProbeAlgorithm> const own(ProbeAlgorithm::New());
+            own->input = &input;
+            own->output = &output;
+            ProbeAlgorithm::work = [&](ProbeAlgorithm& algorithm, OptimLevelType) {
+                EXPECT_EQ(std::this_thread::get_id(), caller);
+                ++runs;
+                RowBody body;
+                runFrame(algorithm, body);
+            };
+            own->run(&host);
+        }
+        EXPECT_EQ(runs, 10);
+#ifdef __SANITIZE_ADDRESS__
+        // No worker came since: what only the scheduler knows of is lost now, as at the end of the program.
+        EXPECT_EQ(__lsan_do_recoverable_leak_check(), 0);
+#endif
+    });
+}
+
+TEST_F(BaseAlgorithmTest, aGroupThatIsCancelledAroundAPolledRunDoesNotCancelIt)
+{
+    ProbeAlgorithm::work = [&](ProbeAlgorithm& algorithm, OptimLevelType) {
+        RowBody body;
+        runFrame(algorithm, body);
+        EXPECT_EQ(body.blocks, 8);
+    };
+    withThreads(2, [&] {
+        tbb::task_group group;
+        group.run_and_wait([&] {
+            group.cancel();
+            probe->run(&host);
+        });
+    });
+    EXPECT_EQ(host.reports().back(), 100.0);
 }
 
 TEST_F(BaseAlgorithmTest, polledRunsEndOnOneThreadAndOnTwoWithoutAWordFromTheScheduler)

@@ -13,12 +13,12 @@
 
 #include <tbb/global_control.h>
 #include <tbb/task_arena.h>
+#include <tbb/task_group.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <future>
-#include <memory>
 #include <thread>
 
 namespace qel::algorithms {
@@ -101,21 +101,17 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
     }
     auto const cap = [](unsigned short period) { return milliseconds(std::min<unsigned short>(period, 100)); };
 
-    struct Task
-    {
-        std::atomic<bool> isTaken{false};
-        std::promise<void> end;
-    };
-    auto const task = std::make_shared<Task>();
-    std::future<void> done = task->end.get_future();
-    auto const work = [this, &host, task] {
-        if (task->isTaken.exchange(true))
+    std::atomic<bool> isTaken{false};
+    std::promise<void> end;
+    std::future<void> done = end.get_future();
+    auto const work = [&] {
+        if (isTaken.exchange(true))
             return;
         try {
             runInternal(&host);
-            task->end.set_value();
+            end.set_value();
         } catch (...) {
-            task->end.set_exception(std::current_exception());
+            end.set_exception(std::current_exception());
         }
     };
     // As many workers as a run on this thread would get, but no more than are allowed by now, which would be a warning
@@ -123,7 +119,23 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
     int const allowed =
         static_cast<int>(tbb::global_control::active_value(tbb::global_control::max_allowed_parallelism));
     tbb::task_arena arena(std::min(tbb::this_task_arena::max_concurrency(), allowed));
-    arena.enqueue(work);
+    // In a context of its own, with this thread's treatment of rounding and of denormal numbers: a group that is
+    // cancelled around the caller is no reason to skip the work.
+    tbb::task_group_context context(tbb::task_group_context::isolated, tbb::task_group_context::fp_settings);
+    tbb::task_group task(context);
+    arena.enqueue(task.defer(work));
+    // Where this thread took the work, an empty task still waits for a worker, perhaps until the program ends. It is
+    // met here: nothing outlives the run, neither the task's memory nor what it knows of this stack.
+    struct Meet
+    {
+        tbb::task_arena& arena;
+        tbb::task_group& task;
+        ~Meet()
+        {
+            arena.execute([this] { task.wait(); });
+        }
+    } const meet{arena, task};
+    auto const takeWork = [&] { arena.execute(work); };
 
     try {
         auto const progressPeriod = cap(host.getProgressPeriod());
@@ -149,16 +161,16 @@ void BaseAlgorithmPrivate::runPolled(InteractionInterface& host)
                 progressDeadline = now + progressPeriod;
             }
             if (now > patienceEnds)
-                work();
+                takeWork();
         }
     } catch (...) {
         // The host itself failed. The task works on this algorithm, so it ends before anything is let go.
         cancelRun();
-        work();
+        takeWork();
         done.wait();
         throw;
     }
-    work();
+    takeWork();
     done.get();
 }
 
