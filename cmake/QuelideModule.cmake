@@ -96,6 +96,10 @@ function(qel_test name)
   target_compile_definitions(${name} PRIVATE QUELIDE_BUILDING QUELIDE_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE quelide_objects GTest::gmock GTest::gtest_main ${arg_LINK})
 
+  set(timeout 900)
+  if(QUELIDE_SANITIZE)
+    set(timeout 3600) # ten times slower, and the machine may be busy
+  endif()
   list(LENGTH arg_SOURCES files)
   math(EXPR shards "(${files} + 9) / 10")
   math(EXPR last "${shards} - 1")
@@ -107,7 +111,7 @@ function(qel_test name)
     set(folder ${CMAKE_CURRENT_BINARY_DIR}/${test}.run)
     file(MAKE_DIRECTORY ${folder})
     add_test(NAME ${test} COMMAND ${name} --gtest_brief=1 WORKING_DIRECTORY ${folder})
-    set_tests_properties(${test} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 900
+    set_tests_properties(${test} PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${timeout}
       FAIL_REGULAR_EXPRESSION "\\[==========\\] 0 tests"
       ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${shard};TMPDIR=${folder};TEST_TMPDIR=${folder}/")
   endforeach()
