@@ -2,6 +2,8 @@
 
 #include <qel/Exception.h>
 #include <qel/geometry/AffineTransformation2D.h>
+#include <qel/geometry/PolynomialOrder2Transformation2D.h>
+#include <qel/geometry/PolynomialOrder3Transformation2D.h>
 #include <qel/geometry/ProjectiveTransformation2D.h>
 #include <qel/geometry/RigidTransformation2D.h>
 #include <qel/geometry/Translation2D.h>
@@ -174,4 +176,69 @@ TEST(Transformations2D, mapARangeAsTheyMapEachPoint)
     for (int i = 0; i < 7; ++i)
         EXPECT_EQ(images[i], mapped(base, points[i]));
     EXPECT_NO_THROW(base.map(static_cast<Point*>(nullptr), nullptr));
+}
+
+TEST(PolynomialTransformations2D, mapByTheirMonomials)
+{
+    std::vector<double> c(20);
+    for (int i = 0; i < 20; ++i)
+        c[i] = (i % 3 - 1) * (i + 1) / 8.0;
+    double const x = 1.5, y = -2.5;
+    auto const quadratic = [&](double const* p) {
+        return p[0] + p[1] * x + p[2] * y + p[3] * x * x + p[4] * y * y + p[5] * x * y;
+    };
+    auto const cubic = [&](double const* p) {
+        return quadratic(p) + p[6] * x * x * x + p[7] * y * y * y + p[8] * x * x * y + p[9] * x * y * y;
+    };
+    Point const third = mapped(PolynomialOrder3Transformation2D(c.data()), Point(x, y));
+    EXPECT_DOUBLE_EQ(third[0], cubic(&c[0]));
+    EXPECT_DOUBLE_EQ(third[1], cubic(&c[10]));
+    Point const second = mapped(PolynomialOrder2Transformation2D(c.data()), Point(x, y));
+    EXPECT_DOUBLE_EQ(second[0], quadratic(&c[0]));
+    EXPECT_DOUBLE_EQ(second[1], quadratic(&c[6]));
+    EXPECT_EQ(PolynomialOrder2Transformation2D::getNumOfParameter(), 12u);
+    EXPECT_EQ(PolynomialOrder3Transformation2D::getNumOfParameter(), 20u);
+}
+
+TEST(PolynomialTransformations2D, reachOneCoefficientWithEachParameter)
+{
+    // Each monomial has its own value here, so that a coefficient tells where it stands.
+    double const monomials[] = {1, 2, 3, 4, 9, 6, 8, 27, 12, 18};
+    for (unsigned int i = 0; i < 20; ++i) {
+        PolynomialOrder3Transformation2D third;
+        third.setParam(i, 5);
+        EXPECT_EQ(third.getParam(i), 5);
+        EXPECT_EQ(mapped(third, Point(2, 3)), i < 10 ? Point(5 * monomials[i], 0) : Point(0, 5 * monomials[i - 10]));
+    }
+    for (unsigned int i = 0; i < 12; ++i) {
+        PolynomialOrder2Transformation2D second;
+        second.setParam(i, 5);
+        EXPECT_EQ(second.getParam(i), 5);
+        EXPECT_EQ(mapped(second, Point(2, 3)), i < 6 ? Point(5 * monomials[i], 0) : Point(0, 5 * monomials[i - 6]));
+    }
+}
+
+TEST(PolynomialTransformations2D, refuseParametersThatTheyDoNotHave)
+{
+    PolynomialOrder2Transformation2D second;
+    PolynomialOrder3Transformation2D third;
+    EXPECT_QEL_THROW(second.getParam(12), BadIndex, "The transformation has no parameter 12.");
+    EXPECT_QEL_THROW(second.setParam(12, 1), BadIndex, "The transformation has no parameter 12.");
+    EXPECT_QEL_THROW(third.getParam(20), BadIndex, "The transformation has no parameter 20.");
+}
+
+TEST(PolynomialTransformations2D, sendAllPointsToTheOriginByDefaultAndAreCopiedByValue)
+{
+    EXPECT_EQ(mapped(PolynomialOrder2Transformation2D(), Point(2, 3)), Point(0, 0));
+    EXPECT_EQ(mapped(PolynomialOrder3Transformation2D(), Point(2, 3)), Point(0, 0));
+    PolynomialOrder2Transformation2D second;
+    second.setParam(1, 2);
+    PolynomialOrder2Transformation2D copy = second;
+    second.setParam(1, 7);
+    EXPECT_EQ(copy.getParam(1), 2);
+    second = copy;
+    std::vector<Point> points = {Point(1, 1), Point(-4, 2)};
+    second.map(points.data(), points.data() + 2);
+    EXPECT_EQ(points[0], Point(2, 0));
+    EXPECT_EQ(points[1], Point(-8, 0));
 }
