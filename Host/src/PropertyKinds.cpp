@@ -36,6 +36,7 @@ HOST_NAME(qel::Scalar, "Scalar")
 HOST_NAME(qel::ScalarArray, "ScalarArray")
 HOST_NAME(qel::kernel::Kernel2D, "Kernel2D")
 HOST_NAME(qel::kernel::Kernel3D, "Kernel3D")
+HOST_NAME(qel::segmentation::TextureFeatureTypes, "TextureFeatureTypes")
 #undef HOST_NAME
 #define HOST_NAME(Template, text)                                                                                      \
     template <class T> struct Name<Template<T>>                                                                        \
@@ -62,6 +63,15 @@ template <class T> bool looksLikeNumber(std::string text)
     return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
+std::vector<std::string> labelsOf(EnumInfo const& info)
+{
+    std::vector<std::string> all;
+    for (unsigned long i = 0; i < info.getNumOfLabels(); ++i)
+        if (std::string label = toStdString(info.getLabelFromlabelIndex(i)); !label.empty())
+            all.push_back(std::move(label));
+    return all;
+}
+
 /// A value, which the property reads from its own text form.
 template <class T> class ValueHandler : public PropertyHandler
 {
@@ -73,6 +83,12 @@ public:
 
     std::string kind() const override { return Name<T>::get(); }
     std::string text() const override { return formOf(m_property.get()); }
+    std::vector<std::string> labels() const override
+    {
+        if constexpr (std::is_same_v<T, qel::segmentation::TextureFeatureGroup>)
+            return labelsOf(qel::segmentation::textureFeatureTypesInfo());
+        return {};
+    }
 
     void assign(std::string const& text) override
     {
@@ -132,14 +148,7 @@ public:
         return info.exists(value) ? toStdString(info.getLabelFromValue(value)) : std::to_string(value);
     }
 
-    std::vector<std::string> labels() const override
-    {
-        EnumInfo const& info = *m_property.getEnumInfo();
-        std::vector<std::string> all;
-        for (unsigned long i = 0; i < info.getNumOfLabels(); ++i)
-            all.push_back(toStdString(info.getLabelFromlabelIndex(i)));
-        return all;
-    }
+    std::vector<std::string> labels() const override { return labelsOf(*m_property.getEnumInfo()); }
 
     void assign(std::string const& text) override
     {
@@ -325,6 +334,7 @@ Maker const kinds[] = {
     value<Vector<double>>,
     value<Vector<Vector2<int>>>,
     value<Vector<Vector3<int>>>,
+    value<qel::segmentation::TextureFeatureGroup>,
     points<Vector2<int>>,
     points<Vector2<unsigned int>>,
     points<Vector2<long>>,

@@ -1,5 +1,6 @@
 #include "TextForms.h"
 
+#include <qel/EnumInfo.h>
 #include <qel/linear_filtering/kernel_factory.h>
 
 #include <cmath>
@@ -69,9 +70,17 @@ std::string formOf(qel::kernel::Kernel3D const& value)
     return toStdString(qel::linear_filtering::kernel_factory::kernel3DToString(value));
 }
 
+std::string formOf(qel::segmentation::TextureFeatureTypes value)
+{
+    EnumInfo const& info = qel::segmentation::textureFeatureTypesInfo();
+    std::string const label = info.exists(value) ? toStdString(info.getLabelFromValue(value)) : "";
+    return label.empty() ? std::to_string(value) : label;
+}
+
 Json jsonOf(qel::String const& value) { return toStdString(value); }
 Json jsonOf(qel::kernel::Kernel2D const& value) { return formOf(value); }
 Json jsonOf(qel::kernel::Kernel3D const& value) { return formOf(value); }
+Json jsonOf(qel::segmentation::TextureFeatureTypes value) { return formOf(value); }
 
 Json jsonOf(qel::Scalar const& value)
 {

@@ -13,6 +13,7 @@
 #include <qel/math/Vector2.h>
 #include <qel/math/Vector3.h>
 #include <qel/math/Vector4.h>
+#include <qel/segmentation/TextureFeatureGroup.h>
 
 #include <charconv>
 #include <string>
@@ -42,6 +43,8 @@ std::string formOf(qel::Scalar const& value);
 std::string formOf(qel::ScalarArray const& value);
 std::string formOf(qel::kernel::Kernel2D const& value);
 std::string formOf(qel::kernel::Kernel3D const& value);
+/// A label; a number where there is none.
+std::string formOf(qel::segmentation::TextureFeatureTypes value);
 
 template <class T, std::enable_if_t<std::is_integral_v<T> && !std::is_same_v<T, bool>, int> = 0>
 std::string formOf(T value)
@@ -81,6 +84,7 @@ Json jsonOf(qel::Scalar const& value);
 Json jsonOf(qel::ScalarArray const& value);
 Json jsonOf(qel::kernel::Kernel2D const& value);
 Json jsonOf(qel::kernel::Kernel3D const& value);
+Json jsonOf(qel::segmentation::TextureFeatureTypes value);
 template <class T> Json jsonOf(qel::math::Vector2<T> const& value)
 {
     return Json::array({jsonOf(value[0]), jsonOf(value[1])});

@@ -1,4 +1,5 @@
 #include "PropertyHandler.h"
+#include "TextForms.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -142,6 +143,23 @@ TEST(PropertyKindsTest, everyVectorIsReadFromItsTextForm)
     Vector<Vector2<int>> const points = assigned<Vector<Vector2<int>>>("@v:@v2:1_2#@v2:3_4");
     ASSERT_EQ(2u, points.size());
     EXPECT_EQ(Vector2<int>(3, 4), points[1]);
+}
+
+TEST(PropertyKindsTest, textureFeaturesAreShownByLabelsAndReadByLabelsAndNumbers)
+{
+    Property<qel::segmentation::TextureFeatureGroup> features;
+    auto const handler = inputOf(features);
+    EXPECT_EQ("Vector<TextureFeatureTypes>", handler->kind());
+    EXPECT_EQ("@v:", handler->text());
+    EXPECT_EQ("", refusal(*handler, "@v:COOC_Contrast#52#COOC_LastMeasure"));
+    EXPECT_EQ("@v:COOC_Contrast#HISTO_Mean#COOC_InformationMeasuresCorrelation2Range", handler->text());
+    EXPECT_EQ("[\"COOC_Contrast\",\"HISTO_Mean\",\"COOC_InformationMeasuresCorrelation2Range\"]",
+              handler->json().dump());
+    EXPECT_THAT(refusal(*handler, "COOC_Contrast"), HasSubstr("such as @v:COOC_AngularSecondMoment#"));
+    EXPECT_NE("", refusal(*handler, "@v:69"));
+    EXPECT_THAT(handler->labels(), testing::Contains("HISTO_QuantileR6"));
+    EXPECT_THAT(handler->labels(), testing::Not(testing::Contains("")));
+    EXPECT_EQ("69", formOf(static_cast<qel::segmentation::TextureFeatureTypes>(69)));
 }
 
 TEST(PropertyKindsTest, aWrongTextIsRefusedWithAnExample)
