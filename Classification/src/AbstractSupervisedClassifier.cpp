@@ -1,0 +1,7 @@
+#include "Classification/private/AbstractSupervisedClassifier.h"
+
+namespace qel::classification {
+
+AbstractSupervisedClassifier::~AbstractSupervisedClassifier() = default;
+
+} // namespace qel::classification
