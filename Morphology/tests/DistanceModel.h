@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/tests/Support/Algorithms.h"
+#include "Core/tests/Support/FewerRounds.h"
 
 #include <qel/morphology/EuclideanDistanceMap.h>
 

@@ -83,10 +83,13 @@ TYPED_TEST(GrayScaleReconstructionTest, growsTheMarkerAsFarAsTheImageLetsIt)
 {
     onOneAndFourThreads([&] {
         unsigned seed = 1;
+        FewerRounds rounds;
         forEachVoxelType([&]<class M>() {
             for (Shape const& shape : {Shape{1, 1}, Shape{1, 7}, Shape{7, 1}, Shape{0, 3}, Shape{33, 5, 3, 2},
                                        Shape{257, 65, 2}, Shape{129, 17, 17}})
                 for (int const type : {QEL_DILATION, QEL_EROSION}) {
+                    if (rounds.leaveThisOut())
+                        continue;
                     int const value = static_cast<int>(seed % countsOf(*this->reconstruction).size());
                     SCOPED_TRACE(testing::Message() << shape << ", seed " << seed);
                     auto const in = hills<M>(shape, seed++);

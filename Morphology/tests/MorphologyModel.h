@@ -3,6 +3,7 @@
 #include "Core/private/Access/computeExtrema.h"
 #include "Core/private/Kernel/OffsetCollections.h"
 #include "Core/tests/Support/Algorithms.h"
+#include "Core/tests/Support/FewerRounds.h"
 
 #include <qel/BaseProperty.h>
 

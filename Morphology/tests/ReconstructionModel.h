@@ -2,6 +2,7 @@
 
 #include "Core/private/Helper/convertVoxel.h"
 #include "Core/tests/Support/Algorithms.h"
+#include "Core/tests/Support/FewerRounds.h"
 
 #include <algorithm>
 #include <deque>

@@ -31,9 +31,12 @@ TEST_F(MedianFilter2DTest, isRegisteredWithItsPropertiesInOrder)
 TEST_F(MedianFilter2DTest, followsTheModelForEveryVoxelTypeAndWindow)
 {
     unsigned seed = 1;
+    FewerRounds rounds;
     forEachVoxelType([&]<class T>() {
         for (bool const isRound : {false, true})
             for (long const radius : {1, 2, 3, 4, 5}) {
+                if (rounds.leaveThisOut())
+                    continue;
                 expectModel(nearVoxels<T>(Shape{23, 17, 2}, seed++), {radius, isRound});
                 expectModel(randomPicture<T>(Shape{37, 9}, seed++, true), {radius, isRound});
             }
@@ -43,8 +46,11 @@ TEST_F(MedianFilter2DTest, followsTheModelForEveryVoxelTypeAndWindow)
 TEST_F(MedianFilter2DTest, followsTheModelUnderLargeWindows)
 {
     unsigned seed = 1;
+    FewerRounds rounds;
     forEachVoxelType([&]<class T>() {
         for (bool const isRound : {false, true}) {
+            if (rounds.leaveThisOut())
+                continue;
             expectModel(nearVoxels<T>(Shape{41, 30}, seed++), {12, isRound});
             expectModel(randomPicture<T>(Shape{33, 18}, seed++), {8, isRound});
         }
@@ -81,7 +87,10 @@ TEST_F(MedianFilter2DTest, reflectsTheImageAsOftenAsTheWindowNeeds)
 TEST_F(MedianFilter2DTest, followsTheModelForEveryShape)
 {
     unsigned seed = 1;
+    FewerRounds rounds(3);
     for (Shape const& shape : allShapes()) {
+        if (rounds.leaveThisOut())
+            continue;
         expectModel(nearVoxels<unsigned char>(shape, seed++), {1});
         expectModel(nearVoxels<signed char>(shape, seed++), {4});
         expectModel(randomPicture<unsigned short>(shape, seed++), {2, true});
@@ -95,9 +104,11 @@ TEST_F(MedianFilter2DTest, followsTheModelForEveryShape)
 TEST_F(MedianFilter2DTest, givesTheSameInPlace)
 {
     unsigned seed = 1;
+    FewerRounds rounds;
     forEachVoxelType([&]<class T>() {
         for (Window const& window : {Window{1}, Window{1, true}, Window{3}, Window{6, true}})
-            expectModelInPlace(nearVoxels<T>(Shape{45, 33, 2}, seed++), window);
+            if (!rounds.leaveThisOut())
+                expectModelInPlace(nearVoxels<T>(Shape{45, 33, 2}, seed++), window);
     });
     expectModelInPlace(nearVoxels<unsigned char>(Shape{2100, 23, 1, 2, 2}, seed), {2});
     expectModelInPlace(nearVoxels<unsigned char>(Shape{1030, 300}, seed), {5});

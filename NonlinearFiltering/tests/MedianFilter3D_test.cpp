@@ -32,9 +32,12 @@ TEST_F(MedianFilter3DTest, isRegisteredWithItsPropertiesInOrder)
 TEST_F(MedianFilter3DTest, followsTheModelForEveryVoxelTypeAndWindow)
 {
     unsigned seed = 1;
+    FewerRounds rounds;
     forEachVoxelType([&]<class T>() {
         for (bool const isRound : {false, true})
             for (long const radius : {1, 2, 3}) {
+                if (rounds.leaveThisOut())
+                    continue;
                 expectModel(nearVoxels<T>(Shape{11, 7, 5}, seed++), {radius, isRound, true});
                 expectModel(randomPicture<T>(Shape{17, 4, 6}, seed++, true), {radius, isRound, true});
             }
@@ -57,7 +60,10 @@ TEST_F(MedianFilter3DTest, reflectsTheImageAsOftenAsTheWindowNeeds)
 TEST_F(MedianFilter3DTest, followsTheModelForEveryShape)
 {
     unsigned seed = 1;
+    FewerRounds rounds(3);
     for (Shape const& shape : allShapes()) {
+        if (rounds.leaveThisOut())
+            continue;
         expectModel(nearVoxels<unsigned char>(shape, seed++), {1, false, true});
         expectModel(randomPicture<unsigned short>(shape, seed++), {2, true, true});
     }
@@ -68,9 +74,11 @@ TEST_F(MedianFilter3DTest, followsTheModelForEveryShape)
 TEST_F(MedianFilter3DTest, givesTheSameInPlace)
 {
     unsigned seed = 1;
+    FewerRounds rounds;
     forEachVoxelType([&]<class T>() {
         for (Window const& window : {Window{1, false, true}, Window{2, true, true}, Window{3, false, true}})
-            expectModelInPlace(nearVoxels<T>(Shape{7, 23, 13}, seed++), window);
+            if (!rounds.leaveThisOut())
+                expectModelInPlace(nearVoxels<T>(Shape{7, 23, 13}, seed++), window);
     });
     expectModelInPlace(nearVoxels<unsigned char>(Shape{40, 50, 70, 1, 2}, seed), {1, false, true});
     expectModelInPlace(nearVoxels<float>(Shape{1030, 12, 11}, seed), {1, true, true});

@@ -3,6 +3,7 @@
 // What the tests of both median filters share: a model that sorts the window of each voxel.
 #include "Core/private/Access/BorderGeometry.h"
 #include "Core/tests/Support/Algorithms.h"
+#include "Core/tests/Support/FewerRounds.h"
 
 #include <qel/ImageModelAdapter.h>
 #include <qel/nonlinear_filtering/MedianFilter2D.h>
