@@ -6,6 +6,8 @@
 #include <qel/BaseAlgorithm.h>
 #include <qel/EnumInfo.h>
 #include <qel/PropertyEnumeration.h>
+#include <qel/morphology/PropertyMorphologicalLut2D.h>
+#include <qel/morphology/PropertyMorphologicalLut3D.h>
 #include <qel/point_operations/BitShift.h>
 #include <qel/point_operations/InvertImage.h>
 
@@ -37,6 +39,8 @@ HOST_NAME(qel::ScalarArray, "ScalarArray")
 HOST_NAME(qel::kernel::Kernel2D, "Kernel2D")
 HOST_NAME(qel::kernel::Kernel3D, "Kernel3D")
 HOST_NAME(qel::segmentation::TextureFeatureTypes, "TextureFeatureTypes")
+HOST_NAME(qel::morphology::MorphologicalLut2D, "MorphologicalLut2D")
+HOST_NAME(qel::morphology::MorphologicalLut3D, "MorphologicalLut3D")
 #undef HOST_NAME
 #define HOST_NAME(Template, text)                                                                                      \
     template <class T> struct Name<Template<T>>                                                                        \
@@ -227,6 +231,39 @@ private:
     bool m_given = false;
 };
 
+// ---- Look-up tables behind a pointer
+
+/// The property reads the table from a file, and owns it.
+template <class Table> class TableHandler : public PropertyHandler
+{
+public:
+    TableHandler(qel::Property<Table*>& property, std::string name, Direction direction)
+        : PropertyHandler(std::move(name), direction)
+        , m_property(property)
+    {}
+
+    std::string kind() const override { return Name<Table>::get() + "*"; }
+    std::string text() const override { return m_text; }
+
+    void assign(std::string const& text) override
+    {
+        if (text != "null" && text.rfind("@path:", 0) != 0)
+            refuse(text, "it takes a file such as @path:FILE");
+        m_text = text;
+    }
+
+    void prepare() override
+    {
+        qel::String error;
+        if (m_text != "null" && !m_property.read(toQelString(m_text), error))
+            throw HostError(toStdString(error));
+    }
+
+private:
+    qel::Property<Table*>& m_property;
+    std::string m_text = "null";
+};
+
 /// A kind that the host does not know: shown as such, and left alone.
 class UnknownHandler : public PropertyHandler
 {
@@ -282,6 +319,13 @@ std::unique_ptr<PropertyHandler> points(qel::BaseProperty& base, std::string con
     if (auto* const property = dynamic_cast<qel::Property<Points const*>*>(&base))
         return std::make_unique<PointsHandler<Point, Points const*>>(*property, name, d);
     return nullptr;
+}
+
+template <class Table>
+std::unique_ptr<PropertyHandler> table(qel::BaseProperty& base, std::string const& name, Direction d)
+{
+    auto* const property = dynamic_cast<qel::Property<Table*>*>(&base);
+    return property ? std::make_unique<TableHandler<Table>>(*property, name, d) : nullptr;
 }
 
 using qel::container::Vector;
@@ -350,6 +394,8 @@ Maker const kinds[] = {
     points<Vector4<long>>,
     points<Vector4<unsigned long>>,
     points<Vector4<double>>,
+    table<qel::morphology::MorphologicalLut2D>,
+    table<qel::morphology::MorphologicalLut3D>,
 };
 
 // Members that are public, but no listed properties.

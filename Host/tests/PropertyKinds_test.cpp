@@ -17,6 +17,8 @@
 #include <qel/math/Vector2.h>
 #include <qel/math/Vector3.h>
 #include <qel/math/Vector4.h>
+#include <qel/morphology/PropertyMorphologicalLut2D.h>
+#include <qel/morphology/PropertyMorphologicalLut3D.h>
 
 #include <cmath>
 #include <limits>
@@ -195,6 +197,28 @@ TEST(PropertyKindsTest, kernelsAreReadAndShownInTheirTextForm)
     EXPECT_EQ("", refusal(*inputOf(solid), "@kernel3D:1_-2_3_1e-07"));
     EXPECT_EQ("@kernel3D:1_-2_3_1e-07", inputOf(solid)->text());
     EXPECT_THAT(refusal(*inputOf(solid), "@kernel2D:0_0_1"), HasSubstr("such as @kernel3D:0_0_0_1"));
+}
+
+TEST(PropertyKindsTest, lookUpTablesAreReadFromTheirFileWhenARunIsPrepared)
+{
+    qel::morphology::PropertyMorphologicalLut2D flat;
+    auto const handler = inputOf(flat);
+    EXPECT_EQ("MorphologicalLut2D*", handler->kind());
+    EXPECT_EQ("null", handler->text());
+    EXPECT_THAT(refusal(*handler, "table.lut"), HasSubstr("such as @path:FILE"));
+    EXPECT_EQ("", refusal(*handler, "null"));
+    handler->prepare();
+    EXPECT_EQ(nullptr, flat.get());
+    EXPECT_EQ("", refusal(*handler, "@path:/there/is/no/such/file"));
+    EXPECT_EQ("@path:/there/is/no/such/file", handler->text());
+    try {
+        handler->prepare();
+        FAIL() << "nothing was thrown";
+    } catch (HostError const& error) {
+        EXPECT_STREQ("/there/is/no/such/file: No such file or directory", error.what());
+    }
+    qel::morphology::PropertyMorphologicalLut3D solid;
+    EXPECT_EQ("MorphologicalLut3D*", inputOf(solid)->kind());
 }
 
 TEST(PropertyKindsTest, whatHasNoTextFormSaysSo)

@@ -50,6 +50,26 @@ class ValueTest(HostTest):
         self.assertIn("such as @kernel2D:0_0_1",
                       self.refused("run", "FiniteImpulseResponseFilter2D", "kernel2D=0_0_1"))
 
+    def test_look_up_tables_reach_the_algorithm(self):
+        binary = [v % 2 for v in self.voxels]
+        Image("uint8", (37, 11, 1, 1, 1), binary, "binary").write_raw(self.path("in.qeli"))
+        with open(self.path("lone.lut"), "wb") as file:
+            file.write(b"head" + bytes(pattern == 1 for pattern in range(512)))
+        self.good("run", "ApplyMorphologicalLut2D", "input=in.qeli", "morphologicalLut=@path:lone.lut", "output=out.qeli")
+
+        def at(x, y):
+            return binary[y * 37 + x] if 0 <= x < 37 and 0 <= y < 11 else 0
+
+        around = [(x, y) for y in (-1, 0, 1) for x in (-1, 0, 1) if (x, y) != (0, 0)]
+        expected = [int(at(x, y) == 1 and not any(at(x + dx, y + dy) for dx, dy in around))
+                    for y in range(11) for x in range(37)]
+        self.assertEqual(expected, self.raw("out.qeli").voxels)
+        self.assertIn("@path:FILE", self.refused("run", "ApplyMorphologicalLut2D", "morphologicalLut=lone.lut"))
+        for name, text in (("missing", "missing: No such file or directory"), (".", ".: Is a directory"),
+                           ("in.qeli", "instead of 516")):
+            self.assertIn(text, self.failed("run", "ApplyMorphologicalLut2D", "input=in.qeli",
+                                            "morphologicalLut=@path:" + name, "output=out.qeli"))
+
     def test_values_that_do_not_fit_are_refused(self):
         self.assertIn("lowLevel", self.refused("run", "Threshold", "lowLevel=3px"))
         self.assertIn("lowLevel", self.refused("run", "Threshold", "lowLevel="))

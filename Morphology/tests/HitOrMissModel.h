@@ -1,0 +1,69 @@
+#pragma once
+
+#include "Core/tests/Support/Algorithms.h"
+
+#include <qel/morphology/BinaryBorderConditionTypes.h>
+#include <qel/morphology/MatchingActionTypes.h>
+
+#include <algorithm>
+#include <random>
+
+namespace qel::test {
+
+/// A binary image of a host's.
+class BinaryImage : public HostImage
+{
+public:
+    template <class T>
+    explicit BinaryImage(Picture<T> const& picture)
+        : HostImage(picture)
+    {
+        setInterpretation(QEL_BINARY);
+    }
+};
+
+/// Calls a lambda `[]<class T>() {...}` for the types of binary images.
+template <class Callable> void forEachBinaryType(Callable&& callable)
+{
+    forEachVoxelType([&]<class T>() {
+        if constexpr (std::is_integral_v<T> && sizeof(T) <= 2)
+            callable.template operator()<T>();
+    });
+}
+
+/// Voxels of which as many as told are not 0; among those, one in eight is any other value than 1.
+template <class T> Picture<T> binaryPicture(Shape const& shape, unsigned seed, unsigned percent)
+{
+    Picture<T> picture(shape);
+    std::mt19937 random(seed);
+    for (T& voxel : picture.voxels) {
+        unsigned const bits = static_cast<unsigned>(random());
+        voxel = bits % 100 >= percent ? T(0) : bits / 128 % 8 != 0 ? T(1) : static_cast<T>(random());
+    }
+    return picture;
+}
+
+/// Sets each voxel to `rule(neighbour)`, where `neighbour(column, row, plan)` gives the voxel at these steps.
+template <class T, class Rule> Picture<T> byNeighbours(Picture<T> const& in, int borderCondition, Rule const& rule)
+{
+    Picture<T> out(in.shape);
+    forEachVoxel(in.shape, [&](unsigned long c, unsigned long r, unsigned long p, unsigned long t, unsigned long s) {
+        auto const neighbour = [&](long column, long row, long plan) {
+            long const steps[] = {column, row, plan};
+            unsigned long at[] = {c, r, p};
+            unsigned long const sizes[] = {in.shape.columns, in.shape.rows, in.shape.plans};
+            for (int axis = 0; axis < 3; ++axis) {
+                long const wanted = static_cast<long>(at[axis]) + steps[axis];
+                long const nearest = std::clamp(wanted, 0l, static_cast<long>(sizes[axis]) - 1);
+                if (wanted != nearest && borderCondition == morphology::STOP_OBJECT)
+                    return T(0);
+                at[axis] = static_cast<unsigned long>(nearest);
+            }
+            return in.at(at[0], at[1], at[2], t, s);
+        };
+        out.at(c, r, p, t, s) = rule(neighbour);
+    });
+    return out;
+}
+
+} // namespace qel::test
