@@ -4,6 +4,7 @@
 #include "Core/private/Throw.h"
 
 #include <qel/Exception.h>
+#include <qel/devices/Cpu.h>
 
 #include <boost/make_shared.hpp>
 
@@ -12,6 +13,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace qel::classification {
@@ -80,6 +82,11 @@ void LDAClassifier::init(long learningDimension, long numClasses)
         QEL_THROW(RuntimeError, "The learning space dimension must be greater than 0");
     if (numClasses < 2)
         QEL_THROW(RuntimeError, "The number of classes must be greater than 1");
+    // Each model has two square matrices. What the machine cannot hold is refused before it is touched.
+    double const size = static_cast<double>(learningDimension);
+    if ((2.0 * static_cast<double>(numClasses) + 1) * 2 * size * size * sizeof(double) >
+        static_cast<double>(devices::Cpu::getDevice().getTotalMemory()))
+        throw std::bad_alloc();
     auto const newModels = [&] {
         Models models;
         for (long i = 0; i < numClasses; ++i)
