@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string>
 
 namespace qel::test {
 
@@ -87,7 +88,7 @@ template <class T> Picture<T> nearVoxels(Shape const& shape, unsigned seed, int 
     return randomPictureBetween<T>(shape, seed, low, T(low + T(range)));
 }
 
-/// What both filters promise, written once. `Fixture` gives the filter as `filter`.
+/// What the tests of either filter need.
 template <class Filter> class MedianFilterTest : public testing::Test
 {
 protected:
@@ -143,6 +144,7 @@ protected:
     }
 
     Ref<Filter> filter = Filter::New();
+    std::string const name = isVolume ? "MedianFilter3D" : "MedianFilter2D";
 };
 
 } // namespace qel::test
