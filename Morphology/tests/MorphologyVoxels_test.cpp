@@ -43,6 +43,25 @@ void expectRight(std::string const& operation, Setting const& setting, Picture<T
     }
 }
 
+/// With memory for temporary images and without, apart and in place.
+template <class T>
+void expectRightWithAnyMemory(std::string const& operation, Setting const& setting, Picture<T> const& in)
+{
+    Picture<T> const wanted = expected(operation, setting, in);
+    for (int const percent : {0, 100}) {
+        Ref<BaseAlgorithm> const algorithm = create(operation, setting);
+        algorithm->setMaximumExtraMemoryUsage(percent);
+        HostImage input(in);
+        HostImage output;
+        setImages(*algorithm, &input, &output);
+        algorithm->run();
+        EXPECT_TRUE(samePicture(wanted, output)) << setting << ' ' << percent;
+        setImages(*algorithm, &input, &input);
+        algorithm->run();
+        EXPECT_TRUE(samePicture(wanted, input)) << setting << ' ' << percent << " in place";
+    }
+}
+
 TEST(MorphologyTest, computesWhatIsDefinedForEveryVoxelType)
 {
     onOneAndFourThreads([&] {
@@ -107,7 +126,7 @@ TEST(MorphologyTest, computesDisksInEveryDirection)
 
 TEST(MorphologyTest, carriesManyIterationsOverSeveralPasses)
 {
-    // More iterations than one pass carries, with memory for a temporary image and without.
+    // More than one pass carries.
     FewerRounds rounds(3);
     for (Setting const& setting : {ofPlans(70, 8), ofPlans(65, 4), disk(101, false)}) {
         if (rounds.leaveThisOut())
@@ -116,19 +135,7 @@ TEST(MorphologyTest, carriesManyIterationsOverSeveralPasses)
         in.at(100, 90) = -3;
         in.at(5, 180) = -2;
         in.at(229, 3, 1) = -5;
-        Picture<float> const wanted = expected("Erosion", setting, in);
-        for (int const percent : {0, 100}) {
-            Ref<BaseAlgorithm> const algorithm = create("Erosion", setting);
-            algorithm->setMaximumExtraMemoryUsage(percent);
-            HostImage input(in);
-            HostImage output;
-            setImages(*algorithm, &input, &output);
-            algorithm->run();
-            EXPECT_TRUE(samePicture(wanted, output)) << setting << ' ' << percent;
-            setImages(*algorithm, &input, &input);
-            algorithm->run();
-            EXPECT_TRUE(samePicture(wanted, input)) << setting << ' ' << percent << " in place";
-        }
+        expectRightWithAnyMemory("Erosion", setting, in);
     }
     for (Setting const& setting : {ofVolumes(20, 26), ofVolumes(18, 6), ofVolumes(17, 18)}) {
         if (rounds.leaveThisOut())
@@ -136,19 +143,7 @@ TEST(MorphologyTest, carriesManyIterationsOverSeveralPasses)
         Picture<short> in(Shape{50, 45, 41}, 1);
         in.at(24, 22, 20) = 9;
         in.at(0, 44, 40) = 7;
-        Picture<short> const wanted = expected("Dilation", setting, in);
-        for (int const percent : {0, 100}) {
-            Ref<BaseAlgorithm> const algorithm = create("Dilation", setting);
-            algorithm->setMaximumExtraMemoryUsage(percent);
-            HostImage input(in);
-            HostImage output;
-            setImages(*algorithm, &input, &output);
-            algorithm->run();
-            EXPECT_TRUE(samePicture(wanted, output)) << setting << ' ' << percent;
-            setImages(*algorithm, &input, &input);
-            algorithm->run();
-            EXPECT_TRUE(samePicture(wanted, input)) << setting << ' ' << percent << " in place";
-        }
+        expectRightWithAnyMemory("Dilation", setting, in);
     }
 }
 
