@@ -7,7 +7,9 @@
 #include "PropertyHandler.h"
 #include "TextForms.h"
 
+#include <qel/Exception.h>
 #include <qel/Property.h>
+#include <qel/classification/TextureClassificationModel.h>
 #include <qel/devices/Cpu.h>
 
 #include <algorithm>
@@ -102,6 +104,21 @@ Json describe(qel::memory::InMemoryImage& image)
     return object;
 }
 
+/// Whether a model is trained, and its report if it is.
+void describeModel(std::string const& path, Json& object)
+{
+    qel::classification::TextureClassificationModel model;
+    model.read(toQelString(path));
+    std::string report;
+    try {
+        report = toStdString(model.getInfo());
+    } catch (qel::InvalidCall const&) { // a model that was not trained has none
+    }
+    object["trained"] = !report.empty();
+    if (!report.empty())
+        object["report"] = report;
+}
+
 } // namespace
 
 std::string list(bool json)
@@ -159,12 +176,21 @@ std::string show(std::string const& path, bool json)
     Json object;
     if (std::string const className = classOfObjectFile(path); !className.empty()) {
         object = Json{{"kind", className}};
+        if (className == "TextureClassificationModel")
+            describeModel(path, object);
     } else {
         qel::memory::InMemoryImage image;
         readImageFile(path, std::nullopt, image);
         object = describe(image);
     }
-    return json ? toText(object) + "\n" : asLines(object);
+    if (json)
+        return toText(object) + "\n";
+    std::string report; // lines of its own already
+    if (auto const entry = object.find("report"); entry != object.end()) {
+        report = entry->get<std::string>();
+        object.erase(entry);
+    }
+    return asLines(object) + report;
 }
 
 std::string convert(std::string const& input, std::string const& output)

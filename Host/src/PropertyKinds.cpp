@@ -1,4 +1,5 @@
 #include "ImageHandlers.h"
+#include "ModelHandlers.h"
 #include "PropertyHandler.h"
 #include "Suggestion.h"
 #include "TextForms.h"
@@ -328,6 +329,18 @@ std::unique_ptr<PropertyHandler> table(qel::BaseProperty& base, std::string cons
     return property ? std::make_unique<TableHandler<Table>>(*property, name, d) : nullptr;
 }
 
+std::unique_ptr<PropertyHandler> model(qel::BaseProperty& base, std::string const& name, Direction d)
+{
+    using Model = qel::classification::TextureClassificationModel;
+    if (auto* const property = dynamic_cast<qel::Property<Model*>*>(&base))
+        return std::make_unique<ModelHandlerFor<Model*>>(*property, name, d);
+    if (auto* const property = dynamic_cast<qel::Property<Model const*>*>(&base))
+        return std::make_unique<ModelHandlerFor<Model const*>>(*property, name, d);
+    if (auto* const property = dynamic_cast<qel::Property<Model**>*>(&base))
+        return std::make_unique<NewModelHandler>(*property, name, d);
+    return nullptr;
+}
+
 using qel::container::Vector;
 using qel::math::Matrix2;
 using qel::math::Matrix3;
@@ -379,6 +392,7 @@ Maker const kinds[] = {
     value<Vector<Vector2<int>>>,
     value<Vector<Vector3<int>>>,
     value<qel::segmentation::TextureFeatureGroup>,
+    model,
     points<Vector2<int>>,
     points<Vector2<unsigned int>>,
     points<Vector2<long>>,
