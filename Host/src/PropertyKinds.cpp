@@ -3,6 +3,7 @@
 #include "PropertyHandler.h"
 #include "Suggestion.h"
 #include "TextForms.h"
+#include "TransformationHandlers.h"
 
 #include <qel/BaseAlgorithm.h>
 #include <qel/EnumInfo.h>
@@ -410,6 +411,7 @@ Maker const kinds[] = {
     points<Vector4<double>>,
     table<qel::morphology::MorphologicalLut2D>,
     table<qel::morphology::MorphologicalLut3D>,
+    transformation,
 };
 
 // Members that are public, but no listed properties.

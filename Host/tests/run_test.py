@@ -70,6 +70,47 @@ class ValueTest(HostTest):
             self.assertIn(text, self.failed("run", "ApplyMorphologicalLut2D", "input=in.qeli",
                                             "morphologicalLut=@path:" + name, "output=out.qeli"))
 
+    def test_landmarks_reach_the_algorithm_and_transformations_are_printed(self):
+        model = "model=@v:@v2:0_0#@v2:2_0#@v2:0_2"
+        data = "data=@v:@v2:5_7#@v2:5_9#@v2:3_7"  # turned by a quarter and shifted
+        run = ("run", "LandmarkRegistration2D", model, data)
+        lines = self.good(*run, "transformationType=RIGID").out.splitlines()
+        self.assertEqual(1, len(lines))
+        self.assertTrue(lines[0].startswith('outputTransformation = {"class": "RigidTransformation2D", "parameters": ['))
+        expected = {"TRANSLATION": ("Translation2D", [4.333333333333333 - 2 / 3, 7.666666666666667 - 2 / 3]),
+                    "RIGID": ("RigidTransformation2D", [5, 7, math.pi / 2]),
+                    "AFFINE": ("AffineTransformation2D", [5, 7, 0, -1, 1, 0])}
+        for type, (name, parameters) in expected.items():
+            result = self.good(*run, "transformationType=" + type, "--json").json()["outputTransformation"]
+            self.assertEqual(name, result["class"])
+            self.assertEqual(len(parameters), len(result["parameters"]))
+            for a, b in zip(parameters, result["parameters"]):
+                self.assertAlmostEqual(a, b, 12)
+        for type, name, count in (("PROJECTIVE", "ProjectiveTransformation2D", 8),
+                                  ("POLYNOMIAL_2", "PolynomialOrder2Transformation2D", 12),
+                                  ("POLYNOMIAL_3", "PolynomialOrder3Transformation2D", 20)):
+            points = "@v:" + "#".join(f"@v2:{i % 5}_{i * i % 7}" for i in range(40))
+            result = self.good("run", "LandmarkRegistration2D", "model=" + points, "data=" + points,
+                               "transformationType=" + type, "robustEstimation=true", "--json").json()
+            self.assertEqual(name, result["outputTransformation"]["class"])
+            self.assertEqual(count, len(result["outputTransformation"]["parameters"]))
+        self.assertIn("takes no value", self.refused(*run, "outputTransformation=out.txt"))
+        self.assertIn("such as @v:@v2:", self.refused("run", "LandmarkRegistration2D", "model=1,2"))
+
+    def test_transformations_of_space_are_printed_with_their_matrix(self):
+        model = "model=@v:@v3:0_0_0#@v3:2_0_0#@v3:0_2_0#@v3:0_0_3"
+        data = "data=@v:@v3:5_7_1#@v3:5_9_1#@v3:3_7_1#@v3:5_7_4"
+        for type, name in (("TRANSLATION", "Translation3D"), ("RIGID", "RigidTransformation3D"),
+                           ("AFFINE", "AffineTransformation3D")):
+            result = self.good("run", "LandmarkRegistration3D", model, data, "transformationType=" + type, "--json")
+            result = result.json()["outputTransformation"]
+            self.assertEqual({"class", "translation", "matrix"}, set(result))
+            self.assertEqual(name, result["class"])
+            matrix = [1, 0, 0, 0, 1, 0, 0, 0, 1] if type == "TRANSLATION" else [0, -1, 0, 1, 0, 0, 0, 0, 1]
+            shift = [4, 7, 1] if type == "TRANSLATION" else [5, 7, 1]
+            for a, b in zip(matrix + shift, result["matrix"] + result["translation"]):
+                self.assertAlmostEqual(a, b, 12)
+
     def test_values_that_do_not_fit_are_refused(self):
         self.assertIn("lowLevel", self.refused("run", "Threshold", "lowLevel=3px"))
         self.assertIn("lowLevel", self.refused("run", "Threshold", "lowLevel="))
