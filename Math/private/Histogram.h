@@ -43,23 +43,42 @@ public:
     void increment(double value)
     {
         requireBins();
-        if (!isInRange(value))
-            return;
-        ++m_bins[indexOf(value)];
-        ++m_total;
-        forget();
+        incrementBin(binOf(value));
     }
 
     void decrement(double value)
     {
         requireBins();
-        if (!isInRange(value))
+        decrementBin(binOf(value));
+    }
+
+    /// The bin that a value counts in; the number of bins where it counts nowhere. For those who count one value in
+    /// many histograms of the same bins.
+    std::uint64_t binOf(double value) const { return isInRange(value) ? indexOf(value) : m_numBins; }
+    void incrementBin(std::uint64_t bin)
+    {
+        if (bin >= m_numBins)
+            return;
+        ++m_bins[bin];
+        ++m_total;
+        forget();
+    }
+    void decrementBin(std::uint64_t bin)
+    {
+        if (bin >= m_numBins)
             return;
         if (m_total == 0)
             throwNothingToRemove();
-        --m_bins[indexOf(value)];
+        --m_bins[bin];
         --m_total;
         forget();
+    }
+    std::uint64_t numOfBins() const { return m_numBins; }
+    /// Throws where there are no bins.
+    void requireBins() const
+    {
+        if (m_status == Status::withoutBins)
+            throwNoBins();
     }
 
     /// Where a bin begins, ends and has its centre. BadIndex beyond the last one. The last bin ends at the maximum.
@@ -105,11 +124,6 @@ private:
     {
         if (m_status == Status::measured)
             m_status = Status::changed;
-    }
-    void requireBins() const
-    {
-        if (m_status == Status::withoutBins)
-            throwNoBins();
     }
     void requireValues() const;
     void requireIndex(unsigned long index) const;
