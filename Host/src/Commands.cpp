@@ -3,6 +3,7 @@
 #include "Algorithms.h"
 #include "Errors.h"
 #include "ImageFile.h"
+#include "LineSetHandlers.h"
 #include "Outputs.h"
 #include "PropertyHandler.h"
 #include "TextForms.h"
@@ -178,6 +179,8 @@ std::string show(std::string const& path, bool json)
         object = Json{{"kind", className}};
         if (className == "TextureClassificationModel")
             describeModel(path, object);
+        else if (className == "LineSet3D")
+            describeLineSet(path, object);
     } else {
         qel::memory::InMemoryImage image;
         readImageFile(path, std::nullopt, image);

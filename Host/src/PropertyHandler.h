@@ -53,6 +53,8 @@ public:
     /// The labels of an enumeration.
     virtual std::vector<std::string> labels() const { return {}; }
 
+    /// Whether the command line may give a value. A result that is printed takes none, unless it can be stored too.
+    virtual bool takesValue() const { return m_direction == Direction::Input || !hasResult(); }
     /// Takes the value from the command line. Reads no file. Throws UsageError.
     virtual void assign(std::string const& text) = 0;
     /// Looks for other properties that the value names. Throws UsageError.

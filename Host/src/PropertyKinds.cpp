@@ -1,4 +1,5 @@
 #include "ImageHandlers.h"
+#include "LineSetHandlers.h"
 #include "ModelHandlers.h"
 #include "PropertyHandler.h"
 #include "Suggestion.h"
@@ -394,6 +395,7 @@ Maker const kinds[] = {
     value<Vector<Vector3<int>>>,
     value<qel::segmentation::TextureFeatureGroup>,
     model,
+    lineSet,
     points<Vector2<int>>,
     points<Vector2<unsigned int>>,
     points<Vector2<long>>,

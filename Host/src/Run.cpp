@@ -33,7 +33,7 @@ void assignAll(PropertyHandlers const& handlers, std::vector<std::string> const&
             throw UsageError(unknownName("property", name, namesOf(handlers)));
         if (!seen.insert(name).second)
             throw UsageError("property " + name + " is given twice");
-        if (handler->direction() == Direction::Output && handler->hasResult())
+        if (!handler->takesValue())
             throw UsageError("property " + name + " is a result, which takes no value");
         handler->assign(assignment.substr(equals + 1));
     }

@@ -4,6 +4,7 @@ import math
 import os
 import pty
 import random
+import struct
 import subprocess
 
 from support import QUELIDE, HostTest, Image, main, write_pgm, write_ppm
@@ -69,6 +70,44 @@ class ValueTest(HostTest):
                            ("in.qeli", "instead of 516")):
             self.assertIn(text, self.failed("run", "ApplyMorphologicalLut2D", "input=in.qeli",
                                             "morphologicalLut=@path:" + name, "output=out.qeli"))
+
+    def test_line_sets_are_printed_and_stored(self):
+        voxels = [int(2 <= x <= 9 and 2 <= y <= 4 and 2 <= z <= 4) for z in range(7) for y in range(7) for x in range(12)]
+        Image("uint8", (12, 7, 7, 1, 1), voxels, interpretation="binary").write_raw(self.path("in.qeli"))
+        run = ("run", "CenterLine3D", "input=in.qeli", "outputImage=out.qeli", "smoothingIteration=0")
+        lines = self.good(*run, "--json").json()["outputLineSet"]
+        self.assertEqual(["coords", "indices"], list(lines))
+        self.assertEqual(-1, lines["indices"][-1])
+        count = len(lines["coords"])
+        self.assertEqual(list(range(count)) + [-1], lines["indices"])
+        image = self.raw("out.qeli")
+        self.assertEqual(count, sum(image.voxels))
+        for x, y, z in lines["coords"]:
+            self.assertEqual(1, image.voxels[(int(z) * 7 + int(y)) * 12 + int(x)])
+
+        self.assertIn('outputLineSet = {"coords": [[', self.good(*run, "outputLineSet=lines.qelo").out)
+        with open(self.path("lines.qelo"), "rb") as file:
+            content = file.read()
+        self.assertEqual(b"QELO" + struct.pack("<Q", 9) + b"LineSet3D" + struct.pack("<Q", count), content[:29])
+        self.assertEqual("kind = LineSet3D\nvertices = %d\nlines = 1\n" % count, self.good("show", "lines.qelo").out)
+        self.assertEqual({"kind": "LineSet3D", "vertices": count, "lines": 1},
+                         self.good("show", "lines.qelo", "--json").json())
+        self.good(*run, "outputLineSet=lines.txt")
+        with open(self.path("lines.txt")) as file:
+            self.assertTrue(file.read().startswith("# Zolva 3D ASCII 2.0\n\ndefine Lines %d\n" % (count + 1)))
+
+        self.assertIn("output outputLineSet: output line set, default null\n", self.good("info", "CenterLine3D").out)
+        self.assertIn('"outputLineSet" must be set', self.failed(*run, "outputLineSet=null"))
+        self.assertIn(".qelo", self.refused(*run, "outputLineSet=lines.vtk"))
+        with open(self.path("bad.qelo"), "wb") as file:
+            file.write(content[:-1])
+        self.assertIn("The <bad.qelo> file is corrupted.", self.failed("show", "bad.qelo"))
+
+    def test_directions_on_a_sphere_are_printed(self):
+        self.assertEqual("directionSamplesVec = @v:@v2:0_0#@v2:3.141592653589793_3.141592653589793\n",
+                         self.good("run", "SphereSampling", "nbDesiredSamples=1").out)
+        out = self.good("run", "SphereSampling", "nbDesiredSamples=101", "samplingMode=HALF_SPHERE", "--json").json()
+        self.assertEqual(150, len(out["directionSamplesVec"]))
 
     def test_landmarks_reach_the_algorithm_and_transformations_are_printed(self):
         model = "model=@v:@v2:0_0#@v2:2_0#@v2:0_2"
