@@ -98,12 +98,20 @@ public:
     double computePeak();
     /// The value below which the part `ratio` of all values lies, if the values of a bin lie at its centre: linear
     /// between the centres of bins that are not empty.
-    double computeQuantile(double ratio) const;
+    double computeQuantile(double ratio);
 
     /// Forgets the measures that are kept.
     void resetMeasures();
 
 private:
+    /// A bin that is not empty.
+    struct Filled
+    {
+        std::uint64_t index;
+        std::uint64_t count;
+        double centre;
+    };
+
     enum class Status
     {
         withoutBins,
@@ -122,6 +130,7 @@ private:
     }
     void forget()
     {
+        m_isCollected = false;
         if (m_status == Status::measured)
             m_status = Status::changed;
     }
@@ -131,7 +140,8 @@ private:
     [[noreturn]] static void throwNothingToRemove();
 
     template <class Compute> double kept(MeasuresIndex measure, Compute const& compute);
-    template <class Weigh> double sumOverBins(Weigh const& weigh) const;
+    void collect();
+    template <class Weigh> double sumOverBins(Weigh const& weigh);
 
     std::vector<std::uint64_t> m_bins;
     Status m_status = Status::withoutBins;
@@ -140,6 +150,8 @@ private:
     double m_binSize = 0;
     std::uint64_t m_numBins = 0;
     std::uint64_t m_total = 0;
+    std::vector<Filled> m_filled; // of the present counts, where m_isCollected
+    bool m_isCollected = false;
     std::vector<double> m_measures;
     std::vector<unsigned char> m_isKept;
 };

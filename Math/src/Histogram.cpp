@@ -148,13 +148,25 @@ template <class Compute> double Histogram::kept(MeasuresIndex measure, Compute c
     return m_measures[measure];
 }
 
-/// The sum of weigh(count, centre). Empty bins, which are most of them under a small window, would add zeros.
-template <class Weigh> double Histogram::sumOverBins(Weigh const& weigh) const
+/// Under a small window most bins are empty, and add nothing to any measure: all of them go over the others.
+void Histogram::collect()
 {
-    double sum = 0;
+    if (m_isCollected)
+        return;
+    m_filled.clear();
     for (std::uint64_t i = 0; i < m_numBins; ++i)
         if (m_bins[i] != 0)
-            sum += weigh(static_cast<double>(m_bins[i]), centre(i));
+            m_filled.push_back({i, m_bins[i], centre(i)});
+    m_isCollected = true;
+}
+
+/// The sum of weigh(count, centre).
+template <class Weigh> double Histogram::sumOverBins(Weigh const& weigh)
+{
+    collect();
+    double sum = 0;
+    for (Filled const& bin : m_filled)
+        sum += weigh(static_cast<double>(bin.count), bin.centre);
     return sum;
 }
 
@@ -224,39 +236,55 @@ double Histogram::computeKurtosis()
 double Histogram::computePeak()
 {
     return kept(MSR_PEAK, [this] {
-        auto const fullest = std::max_element(m_bins.begin(), m_bins.end()); // the first of equal ones
-        return centre(static_cast<std::uint64_t>(fullest - m_bins.begin()));
+        collect();
+        auto const fullest = std::max_element(m_filled.begin(), m_filled.end(), [](Filled const& a, Filled const& b) {
+            return a.count < b.count; // the first of equal ones
+        });
+        return fullest->centre;
     });
 }
 
-double Histogram::computeQuantile(double ratio) const
+double Histogram::computeQuantile(double ratio)
 {
     requireValues();
+    collect();
     double const target = static_cast<double>(m_total) * ratio;
-    // The values below the middle of the current bin, and of the last bin before it that has another number of them:
-    // the walk back over equal numbers, remembered on the way instead.
-    std::uint64_t below = 0;
+    // Each bin has the number of values below its middle; empty ones in a row have one and the same. The walk goes from
+    // number to number, and remembers the last bin that had another one.
     std::uint64_t current = 0;
     std::uint64_t previous = 0;
     std::uint64_t previousIndex = 0;
     bool hasPrevious = false;
-    for (std::uint64_t i = 0; i < m_numBins; ++i) {
-        std::uint64_t const middle = below + (m_bins[i] >> 1);
-        if (i > 0 && middle != current) {
+    double result = centre(m_numBins - 1);
+    auto const isFoundAt = [&](std::uint64_t index, std::uint64_t middle) {
+        if (index > 0 && middle != current) {
             previous = current;
-            previousIndex = i - 1;
+            previousIndex = index - 1;
             hasPrevious = true;
         }
         current = middle;
-        below += m_bins[i];
-        if (target < static_cast<double>(current)) {
-            if (i == 0 || !hasPrevious)
-                return centre(i);
+        if (!(target < static_cast<double>(current)))
+            return false;
+        result = centre(index);
+        if (hasPrevious) {
             double const w = (static_cast<double>(current) - target) / static_cast<double>(current - previous);
-            return centre(previousIndex) * w + centre(i) * (1 - w);
+            result = centre(previousIndex) * w + result * (1 - w);
         }
+        return true;
+    };
+    std::uint64_t below = 0;
+    std::uint64_t next = 0;
+    for (Filled const& bin : m_filled) {
+        if (bin.index > next && isFoundAt(next, below))
+            return result;
+        if (isFoundAt(bin.index, below + (bin.count >> 1)))
+            return result;
+        below += bin.count;
+        next = bin.index + 1;
     }
-    return centre(m_numBins - 1);
+    if (next < m_numBins)
+        isFoundAt(next, below);
+    return result;
 }
 
 } // namespace qel::math

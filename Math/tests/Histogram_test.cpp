@@ -316,7 +316,7 @@ TEST(HistogramTest, hasItsPeakInTheLowerOfEqualBins)
 TEST(HistogramTest, findsQuantilesBetweenCentres)
 {
     // Four values a bin: 2 of them lie below the middle of the bin at 2, 4 below the empty ones, 6 below that at 6.
-    Histogram const two = filled(0, 9, 1, {2, 2, 2, 2, 6, 6, 6, 6});
+    Histogram two = filled(0, 9, 1, {2, 2, 2, 2, 6, 6, 6, 6});
     EXPECT_EQ(two.computeQuantile(1.0 / 8), 2.0);
     EXPECT_EQ(two.computeQuantile(2.0 / 8), 2.5);
     EXPECT_EQ(two.computeQuantile(3.0 / 8), 3.0);
@@ -326,7 +326,7 @@ TEST(HistogramTest, findsQuantilesBetweenCentres)
     EXPECT_EQ(two.computeQuantile(1), 9.5);
 
     // A first bin of one value has its middle at 0, where a ratio of 0 is not below.
-    Histogram const one = filled(0, 9, 1, {0, 0, 5, 5});
+    Histogram one = filled(0, 9, 1, {0, 0, 5, 5});
     EXPECT_EQ(one.computeQuantile(0), 0.5);
     EXPECT_EQ(one.computeQuantile(-1), 0.5);
     EXPECT_EQ(filled(0, 9, 1, {3}).computeQuantile(0), 3.5);

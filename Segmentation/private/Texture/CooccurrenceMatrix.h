@@ -101,11 +101,11 @@ private:
         bool elements() const { return squares || elementEntropy; }
     };
 
+    struct PairCodes;
+
     void requireStorage() const;
     template <bool isAdded> void change(Bin const* first, Bin const* second, std::size_t count);
-    template <bool isAdded, bool withSquares, bool withEntropy>
-    void changeElements(Bin const* first, Bin const* second, std::size_t count);
-    template <bool isAdded> std::int64_t countOne(std::uint32_t& counter) const;
+    template <bool isAdded> void changeSome(Bin const* first, Bin const* second, std::size_t count);
     double computeNow(int indicator);
     void normalize();
     double compute(int indicator);

@@ -18,7 +18,8 @@ public:
     std::uint64_t largest() const { return m_values.size() - 1; }
     /// n log n.
     std::int64_t operator[](std::uint64_t count) const { return m_values[count]; }
-    std::int64_t const* data() const { return m_values.data(); }
+    /// From each count to the next one.
+    std::int64_t const* steps() const { return m_steps.data(); }
     /// log 2.
     std::int64_t logOfTwo() const { return m_logOfTwo; }
     /// How much a unit is.
@@ -26,6 +27,7 @@ public:
 
 private:
     std::vector<std::int64_t> m_values;
+    std::vector<std::int64_t> m_steps;
     std::int64_t m_logOfTwo;
     double m_unit;
 };

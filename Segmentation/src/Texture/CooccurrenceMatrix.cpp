@@ -89,6 +89,151 @@ void CooccurrenceMatrix::requireStorage() const
         throw std::runtime_error("Cooccurrence matrix used but not initialized");
 }
 
+namespace {
+
+/// Counts one more or one less for each of the codes, and gives what that changes in the sum of n log n.
+template <bool isAdded>
+std::int64_t countAll(std::uint32_t* __restrict counters, std::uint32_t const* __restrict codes, std::size_t count,
+                      std::int64_t const* __restrict steps)
+{
+    std::int64_t change = 0;
+    for (std::size_t k = 0; k < count; ++k) {
+        std::uint32_t& counter = counters[codes[k]];
+        std::uint32_t const lower = isAdded ? counter++ : --counter;
+        change += steps[lower];
+    }
+    return change;
+}
+
+/// The same where nobody asks for the entropy. Gives the lower one of the counts before and behind each step.
+template <bool isAdded>
+void countAll(std::uint32_t* __restrict counters, std::uint32_t const* __restrict codes, std::size_t count,
+              std::uint32_t* __restrict lower)
+{
+    for (std::size_t k = 0; k < count; ++k) {
+        std::uint32_t& counter = counters[codes[k]];
+        lower[k] = isAdded ? counter++ : --counter;
+    }
+}
+
+} // namespace
+
+/// What the groups of measures see of a few pairs. Loops over whole packets, without a branch on a level: which of two
+/// levels is the higher one cannot be foreseen.
+struct CooccurrenceMatrix::PairCodes
+{
+    static constexpr std::size_t most = 64;
+    static constexpr std::size_t packet = 4;
+
+    /// Behind the pairs stand some of the bins 0 and 0, which add nothing to the sums.
+    PairCodes(Bin const* first, Bin const* second, std::size_t count)
+        : packets((count + packet - 1) / packet * packet)
+    {
+        for (std::size_t k = count; k < packets; ++k)
+            firstBin[k] = secondBin[k] = 0;
+        for (std::size_t k = 0; k < count; ++k) {
+            firstBin[k] = first[k];
+            secondBin[k] = second[k];
+        }
+        forAll([&](std::size_t k) {
+            std::int32_t const step = static_cast<std::int32_t>(firstBin[k] - secondBin[k]);
+            std::int32_t const sign = step >> 31;
+            sum[k] = firstBin[k] + secondBin[k];
+            difference[k] = static_cast<std::uint32_t>((step ^ sign) - sign);
+        });
+    }
+
+    /// Eight at a time, so that no loop has a rest.
+    template <class Work> void forAll(Work const& work) const
+    {
+        for (std::size_t begin = 0; begin < packets; begin += packet)
+            for (std::size_t k = begin; k < begin + packet; ++k)
+                work(k);
+    }
+
+    std::size_t packets;
+    std::uint32_t firstBin[most];
+    std::uint32_t secondBin[most];
+    std::uint32_t sum[most];
+    std::uint32_t difference[most];
+};
+
+template <bool isAdded> void CooccurrenceMatrix::changeSome(Bin const* first, Bin const* second, std::size_t count)
+{
+    PairCodes const codes(first, second, count);
+    std::int64_t const* const steps = m_entropies->steps();
+    auto const change = [](auto& sum, auto by) { sum = isAdded ? sum + by : sum - by; };
+
+    if (m_needs.moments) {
+        std::uint64_t sums = 0;
+        std::uint64_t squaredSums = 0;
+        std::uint64_t differences = 0;
+        std::uint64_t squaredDifferences = 0;
+        codes.forAll([&](std::size_t k) {
+            sums += codes.sum[k];
+            squaredSums += static_cast<std::uint64_t>(codes.sum[k]) * codes.sum[k];
+            differences += codes.difference[k];
+            squaredDifferences += static_cast<std::uint64_t>(codes.difference[k]) * codes.difference[k];
+        });
+        change(m_sumOfSums, sums);
+        change(m_sumOfSquaredSums, squaredSums);
+        change(m_sumOfDifferences, differences);
+        change(m_sumOfSquaredDifferences, squaredDifferences);
+    }
+    if (m_needs.elements()) {
+        std::uint32_t elements[PairCodes::most];
+        codes.forAll([&](std::size_t k) {
+            std::uint32_t const i = (codes.sum[k] + codes.difference[k]) / 2;
+            // i (i + 1) / 2, which may take 32 bits.
+            elements[k] = (i % 2 == 0 ? i / 2 * (i + 1) : (i + 1) / 2 * i) + (codes.sum[k] - i);
+        });
+        std::uint32_t lower[PairCodes::most];
+        countAll<isAdded>(m_elements.data(), elements, count, lower);
+        std::fill(lower + count, lower + codes.packets, 0u);
+        if (m_needs.squares) {
+            // One of the diagonal is two in the square matrix, one aside of it is one in two places. What stands behind
+            // the pairs is on the diagonal, and was not counted.
+            std::uint64_t squares = 0;
+            codes.forAll([&](std::size_t k) {
+                std::uint32_t const square = 2 * lower[k] + 1;
+                squares += codes.difference[k] == 0 ? 2 * square : square;
+            });
+            change(m_sumOfSquaredCounts, squares - 2 * (codes.packets - count));
+        }
+        if (m_needs.elementEntropy) {
+            std::int64_t entropies = 0;
+            for (std::size_t k = 0; k < count; ++k)
+                entropies += steps[lower[k]];
+            change(m_elementEntropy, entropies);
+            std::uint64_t offDiagonal = 0;
+            codes.forAll([&](std::size_t k) { offDiagonal += codes.difference[k] != 0; });
+            change(m_offDiagonal, offDiagonal);
+        }
+    }
+    if (m_needs.marginal) {
+        change(m_marginalEntropy, countAll<isAdded>(m_marginal.data(), codes.firstBin, count, steps));
+        change(m_marginalEntropy, countAll<isAdded>(m_marginal.data(), codes.secondBin, count, steps));
+    }
+    if (m_needs.sums)
+        change(m_sumEntropy, countAll<isAdded>(m_sums.data(), codes.sum, count, steps));
+    if (m_needs.differenceEntropy) {
+        change(m_differenceEntropy, countAll<isAdded>(m_differences.data(), codes.difference, count, steps));
+    } else if (m_needs.differences) {
+        std::uint32_t lower[PairCodes::most];
+        countAll<isAdded>(m_differences.data(), codes.difference, count, lower);
+    }
+}
+
+template <bool isAdded> void CooccurrenceMatrix::change(Bin const* first, Bin const* second, std::size_t count)
+{
+    m_isReady.reset();
+    m_pairs = isAdded ? m_pairs + count : m_pairs - count;
+    for (std::size_t begin = 0; begin < count; begin += PairCodes::most) {
+        std::size_t const length = std::min(count - begin, PairCodes::most);
+        changeSome<isAdded>(first + begin, second + begin, length);
+    }
+}
+
 void CooccurrenceMatrix::increment(double first, double second)
 {
     requireStorage();
@@ -115,114 +260,6 @@ void CooccurrenceMatrix::remove(Bin const* first, Bin const* second, std::size_t
 {
     requireStorage();
     change<false>(first, second, count);
-}
-
-/// Counts one more or one less, and gives what that changes in n log n.
-template <bool isAdded> inline std::int64_t CooccurrenceMatrix::countOne(std::uint32_t& counter) const
-{
-    std::uint32_t const lower = isAdded ? counter++ : --counter;
-    std::int64_t const* const entropies = m_entropies->data();
-    return entropies[lower + 1] - entropies[lower];
-}
-
-template <bool isAdded, bool withSquares, bool withEntropy>
-void CooccurrenceMatrix::changeElements(Bin const* first, Bin const* second, std::size_t count)
-{
-    std::uint32_t* const elements = m_elements.data();
-    std::uint64_t squares = 0;
-    std::uint64_t offDiagonal = 0;
-    std::int64_t changeOfEntropy = 0;
-    for (std::size_t k = 0; k < count; ++k) {
-        std::uint32_t const i = std::max(first[k], second[k]);
-        std::uint32_t const j = std::min(first[k], second[k]);
-        std::uint32_t& element = elements[static_cast<std::size_t>(i) * (i + 1) / 2 + j];
-        if constexpr (withEntropy) {
-            changeOfEntropy += countOne<isAdded>(element);
-            offDiagonal += i != j;
-        } else {
-            isAdded ? ++element : --element;
-        }
-        if constexpr (withSquares) {
-            std::uint32_t const lower = isAdded ? element - 1 : element;
-            // One of the diagonal is two in the square matrix, one aside of it is one in two places.
-            squares += (2ul * lower + 1) << (i == j);
-        }
-    }
-    if constexpr (isAdded) {
-        m_sumOfSquaredCounts += squares;
-        m_offDiagonal += offDiagonal;
-        m_elementEntropy += changeOfEntropy;
-    } else {
-        m_sumOfSquaredCounts -= squares;
-        m_offDiagonal -= offDiagonal;
-        m_elementEntropy -= changeOfEntropy;
-    }
-}
-
-template <bool isAdded>
-void CooccurrenceMatrix::change(Bin const* __restrict first, Bin const* __restrict second, std::size_t count)
-{
-    m_isReady.reset();
-    m_pairs = isAdded ? m_pairs + count : m_pairs - count;
-
-    if (m_needs.moments) {
-        std::uint64_t sums = 0;
-        std::uint64_t squaredSums = 0;
-        std::uint64_t differences = 0;
-        std::uint64_t squaredDifferences = 0;
-        for (std::size_t k = 0; k < count; ++k) {
-            std::uint64_t const sum = std::uint64_t(first[k]) + second[k];
-            std::uint64_t const difference =
-                std::uint64_t(std::max(first[k], second[k])) - std::min(first[k], second[k]);
-            sums += sum;
-            squaredSums += sum * sum;
-            differences += difference;
-            squaredDifferences += difference * difference;
-        }
-        m_sumOfSums = isAdded ? m_sumOfSums + sums : m_sumOfSums - sums;
-        m_sumOfSquaredSums = isAdded ? m_sumOfSquaredSums + squaredSums : m_sumOfSquaredSums - squaredSums;
-        m_sumOfDifferences = isAdded ? m_sumOfDifferences + differences : m_sumOfDifferences - differences;
-        m_sumOfSquaredDifferences =
-            isAdded ? m_sumOfSquaredDifferences + squaredDifferences : m_sumOfSquaredDifferences - squaredDifferences;
-    }
-    if (m_needs.squares && m_needs.elementEntropy)
-        changeElements<isAdded, true, true>(first, second, count);
-    else if (m_needs.squares)
-        changeElements<isAdded, true, false>(first, second, count);
-    else if (m_needs.elementEntropy)
-        changeElements<isAdded, false, true>(first, second, count);
-
-    auto const changeEntropy = [](std::int64_t& sum, std::int64_t change) {
-        sum = isAdded ? sum + change : sum - change;
-    };
-    if (m_needs.marginal) {
-        std::int64_t sum = 0;
-        for (std::size_t k = 0; k < count; ++k) {
-            sum += countOne<isAdded>(m_marginal[first[k]]);
-            sum += countOne<isAdded>(m_marginal[second[k]]);
-        }
-        changeEntropy(m_marginalEntropy, sum);
-    }
-    if (m_needs.sums) {
-        std::int64_t sum = 0;
-        for (std::size_t k = 0; k < count; ++k)
-            sum += countOne<isAdded>(m_sums[std::size_t(first[k]) + second[k]]);
-        changeEntropy(m_sumEntropy, sum);
-    }
-    if (m_needs.differences) {
-        auto const differenceAt = [&](std::size_t k) -> std::uint32_t& {
-            return m_differences[std::size_t(std::max(first[k], second[k])) - std::min(first[k], second[k])];
-        };
-        if (m_needs.differenceEntropy) {
-            std::int64_t sum = 0;
-            for (std::size_t k = 0; k < count; ++k)
-                sum += countOne<isAdded>(differenceAt(k));
-            changeEntropy(m_differenceEntropy, sum);
-        } else {
-            for (std::size_t k = 0; k < count; ++k)
-                isAdded ? ++differenceAt(k) : --differenceAt(k);
-        }
-    }
 }
 
 double CooccurrenceMatrix::computeNow(int indicator)

@@ -6,6 +6,7 @@ namespace qel::segmentation::details {
 
 CountEntropies::CountEntropies(std::uint64_t largest)
     : m_values(largest + 1)
+    , m_steps(largest)
 {
     auto const entropyOf = [](std::uint64_t count) {
         auto const n = static_cast<long double>(count);
@@ -15,6 +16,8 @@ CountEntropies::CountEntropies(std::uint64_t largest)
     int const bits = 61 - std::ilogb(entropyOf(largest) + 1);
     for (std::uint64_t count = 0; count <= largest; ++count)
         m_values[count] = std::llround(std::ldexp(entropyOf(count), bits));
+    for (std::uint64_t count = 0; count < largest; ++count)
+        m_steps[count] = m_values[count + 1] - m_values[count];
     m_logOfTwo = std::llround(std::ldexp(std::log(2.0L), bits));
     m_unit = std::ldexp(1.0, -bits);
 }

@@ -218,7 +218,8 @@ void TextureWalk::measurePairs(double* outputs)
             m_values[index] = m_pairs[index].matrix.computeIfNotReady(measure.indicator);
         // The source of summaries stands behind the outputs.
         if (measure.forEachDirection < numOfOutputs)
-            std::copy(m_values.begin(), m_values.end(), outputs + measure.forEachDirection);
+            for (unsigned long index = 0; index < count; ++index)
+                outputs[measure.forEachDirection + static_cast<long>(index)] = m_values[index];
         if (measure.mean != TextureChannels::none || measure.deviation != TextureChannels::none) {
             double sum = 0;
             double squares = 0;
