@@ -104,9 +104,14 @@ for count, mean in classes:
     begin += count
 assert begin == len(ascending)
 
+# Textures, learnt from one mosaic and recognised in another.
+accepted, right = (float(share) for share in re.search(
+    r"texture: ([\d.]+) % of the voxels recognised, ([\d.]+) % of these rightly", output).groups())
+assert accepted > 80 and right > 90, (accepted, right)
+
 assert output.splitlines()[-1] == str(folder)
 pictures = re.findall(r'src="([^"]*)"', (folder / "index.html").read_text())
-assert len(pictures) == len(set(pictures)) == 33, pictures
+assert len(pictures) == len(set(pictures)) == 37, pictures
 assert set(pictures) == {path.name for path in folder.glob("*.png")}
 for picture in pictures:
     report = subprocess.run([host, "show", folder / picture], check=True, capture_output=True, text=True).stdout
