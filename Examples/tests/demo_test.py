@@ -63,6 +63,27 @@ grains = voxels("cermet.qeli")
 parts = parts_that_touch((i for i, v in enumerate(grains) if v < 100), 256)
 assert number(r"counted: (\d+) connected parts") == parts, parts
 
+# The trees of vessels, without the specks of a few voxels.
+carotid = {i for i, v in enumerate(voxels("carotid.qeli")) if v > 200}
+sizes = []
+while carotid:
+    front, size = [carotid.pop()], 1
+    while front:
+        at = front.pop()
+        x, y = at % 76, at // 76 % 49
+        for dx, dy, dz in ((dx, dy, dz) for dx in (-1, 0, 1) for dy in (-1, 0, 1) for dz in (-1, 0, 1)):
+            near = at + (dz * 49 + dy) * 76 + dx
+            if 0 <= x + dx < 76 and 0 <= y + dy < 49 and near in carotid:
+                carotid.remove(near)
+                front.append(near)
+                size += 1
+    sizes.append(size)
+trees = sum(size >= 100 for size in sizes)
+assert number(r"vertices along (\d+) trees") == trees, sizes
+assert trees <= number(r"traced: (\d+) lines") <= 20
+# Vessels cross most of the plans, and are several voxels wide.
+assert 25 * trees < number(r"lines with (\d+) vertices") < sum(sizes) / 5
+
 # An opening: first the smallest under the disk, then the largest; what lies outside never wins.
 def under_disk(image, radius, chosen, outside):
     steps = [(x, y) for y in range(-radius, radius + 1) for x in range(-radius, radius + 1) if x * x + y * y <= radius * radius]
@@ -111,7 +132,7 @@ assert accepted > 80 and right > 90, (accepted, right)
 
 assert output.splitlines()[-1] == str(folder)
 pictures = re.findall(r'src="([^"]*)"', (folder / "index.html").read_text())
-assert len(pictures) == len(set(pictures)) == 37, pictures
+assert len(pictures) == len(set(pictures)) == 39, pictures
 assert set(pictures) == {path.name for path in folder.glob("*.png")}
 for picture in pictures:
     report = subprocess.run([host, "show", folder / picture], check=True, capture_output=True, text=True).stdout
