@@ -1,5 +1,8 @@
 #include "Support.h"
 
+#include <qel/ImageModelAdapter.h>
+#include <qel/tools/LoadQelRawImage.h>
+
 #include <tbb/global_control.h>
 
 #include <algorithm>
@@ -76,7 +79,7 @@ template <class T> void fillWithNoise(T* out, Shape const& shape)
         out[x] = static_cast<T>(static_cast<T>(random() >> 24) * scale);
 }
 
-template <class T> void fillWithGrey(T* out, Shape const& shape, bool isMarker)
+template <class T> void fillWithGrey(T* out, Shape const& shape)
 {
     std::vector<float> const coarse = texture(shape);
     std::vector<float> const fine = field(shape, 1, 2);
@@ -84,7 +87,7 @@ template <class T> void fillWithGrey(T* out, Shape const& shape, bool isMarker)
     float const greatest = std::is_integral_v<T> ? static_cast<float>(std::numeric_limits<T>::max()) : 0;
     for (unsigned long x = 0; x < shape.voxels(); ++x) {
         float const noise = static_cast<float>(random() >> 24) / 255 - 0.5f;
-        float const value = 0.8f * coarse[x] + 0.5f * fine[x] + 0.2f * noise - (isMarker ? 0.75f : 0.f);
+        float const value = 0.8f * coarse[x] + 0.5f * fine[x] + 0.2f * noise;
         if constexpr (std::is_integral_v<T>)
             out[x] = static_cast<T>(std::clamp((0.5f + 0.14f * value) * greatest, 0.f, greatest));
         else
@@ -92,15 +95,76 @@ template <class T> void fillWithGrey(T* out, Shape const& shape, bool isMarker)
     }
 }
 
-void fillWithBlobs(unsigned char* out, Shape const& shape, bool isSeeds)
+/// 1 where the voxel is above the middle of all.
+void fillWithUpperHalf(unsigned char* out, std::vector<float> const& voxels)
 {
-    std::vector<float> const coarse = texture(shape);
-    std::vector<float> sorted(coarse);
+    std::vector<float> sorted(voxels);
     std::nth_element(sorted.begin(), sorted.begin() + static_cast<long>(sorted.size() / 2), sorted.end());
     float const middle = sorted[sorted.size() / 2];
+    for (unsigned long x = 0; x < voxels.size(); ++x)
+        out[x] = voxels[x] > middle;
+}
+
+/// A line of `count` voxels made as long as another one, with linear steps in between; voxels stand `stride` apart.
+std::vector<float> enlarged(std::vector<float> const& voxels, unsigned long count, unsigned long stride,
+                            unsigned long wanted)
+{
+    std::vector<float> result;
+    for (unsigned long start = 0; start < voxels.size(); start += count * stride)
+        for (unsigned long i = 0; i < wanted; ++i) {
+            double const exact =
+                (static_cast<double>(i) + 0.5) * static_cast<double>(count) / static_cast<double>(wanted);
+            double const at = std::clamp(exact - 0.5, 0.0, static_cast<double>(count - 1));
+            auto const first = static_cast<unsigned long>(at);
+            auto const share = static_cast<float>(at - static_cast<double>(first));
+            float const* const low = voxels.data() + start + first * stride;
+            float const* const high = first + 1 < count ? low + stride : low;
+            for (unsigned long x = 0; x < stride; ++x)
+                result.push_back(low[x] + share * (high[x] - low[x]));
+        }
+    return result;
+}
+
+/// From 0 to 1.
+std::vector<float> realPicture(Shape const& shape)
+{
+    qel::memory::InMemoryImage image;
+    qel::Ref<qel::tools::LoadQelRawImage> const load(qel::tools::LoadQelRawImage::New());
+    load->filePath = shape.plans > 1 ? QUELIDE_DATA "/head_ct.qeli" : QUELIDE_DATA "/cermet.qeli";
+    load->output = &image;
+    load->run();
+    unsigned long const columns = image.getNumOf(qel::COLUMNS), rows = image.getNumOf(qel::ROWS);
+    unsigned long const plans = image.getNumOf(qel::PLANS);
+    std::vector<float> voxels(columns * rows * plans);
+    qel::ImageModelAdapter const floats(&image, qel::QEL_FLOAT32);
+    for (unsigned long row = 0; row < rows * plans; ++row)
+        require(floats.getImage()->readRowAt(columns, reinterpret_cast<unsigned char*>(voxels.data() + row * columns),
+                                             0, row % rows, row / rows, 0, 0),
+                "real picture");
+    voxels = enlarged(voxels, columns, 1, shape.columns);
+    voxels = enlarged(voxels, rows, shape.columns, shape.rows);
+    voxels = enlarged(voxels, plans, shape.columns * shape.rows, shape.plans);
+    auto const [low, high] = std::minmax_element(voxels.begin(), voxels.end());
+    float const lowest = *low, range = *high - *low;
+    for (float& voxel : voxels)
+        voxel = (voxel - lowest) / range;
+    return voxels;
+}
+
+template <class T> void fillWithReal(T* out, Shape const& shape, bool isMarker)
+{
+    std::vector<float> const voxels = realPicture(shape);
+    float const greatest = std::is_integral_v<T> ? static_cast<float>(std::numeric_limits<T>::max()) : 1;
+    for (unsigned long x = 0; x < voxels.size(); ++x)
+        out[x] = static_cast<T>(std::max(voxels[x] - (isMarker ? 0.1f : 0.f), 0.f) * greatest);
+}
+
+void fillWithObjects(unsigned char* out, Shape const& shape, bool isSeeds)
+{
+    fillWithUpperHalf(out, realPicture(shape));
     std::mt19937 random(4);
-    for (unsigned long x = 0; x < shape.voxels(); ++x)
-        out[x] = coarse[x] > middle && (!isSeeds || random() % 20000 == 0);
+    for (unsigned long x = 0; isSeeds && x < shape.voxels(); ++x)
+        out[x] &= random() % 20000 == 0;
 }
 
 template <class T> void make(T* out, Shape const& shape, Picture picture)
@@ -109,12 +173,18 @@ template <class T> void make(T* out, Shape const& shape, Picture picture)
     case Picture::Noise:
         return fillWithNoise(out, shape);
     case Picture::Grey:
+        return fillWithGrey(out, shape);
+    case Picture::Real:
     case Picture::Marker:
-        return fillWithGrey(out, shape, picture == Picture::Marker);
+        return fillWithReal(out, shape, picture == Picture::Marker);
     case Picture::Blobs:
+        if constexpr (std::is_same_v<T, unsigned char>)
+            return fillWithUpperHalf(out, texture(shape));
+        break;
+    case Picture::Objects:
     case Picture::Seeds:
         if constexpr (std::is_same_v<T, unsigned char>)
-            return fillWithBlobs(out, shape, picture == Picture::Seeds);
+            return fillWithObjects(out, shape, picture == Picture::Seeds);
     }
     require(false, "no such picture of this voxel type");
 }

@@ -18,6 +18,7 @@ struct Shape
     unsigned long voxels() const { return columns * rows * plans; }
 };
 inline constexpr Shape plane{"4096", 4096, 4096, 1};
+inline constexpr Shape smallPlane{"2048", 2048, 2048, 1};
 inline constexpr Shape volume{"256^3", 256, 256, 256};
 inline constexpr Shape tiny{"64", 64, 64, 1};
 inline constexpr Shape megapixel{"1024", 1024, 1024, 1}; // for what takes long
@@ -42,11 +43,13 @@ template <> struct Voxel<float>
 /// What an image shows; the letters are names of files.
 enum class Picture : char
 {
-    Noise = 'n',  ///< voxels from 0 to 255, fractions in the float image
-    Grey = 'g',   ///< smooth texture and some noise, over the range of integers; around 0 with deviation 1 in floats
-    Blobs = 'b',  ///< 1 where the texture is above its middle, 0 elsewhere; bytes
-    Marker = 'm', ///< the grey picture less three quarters of its deviation, and not below 0 where it is of integers
-    Seeds = 's',  ///< one blob voxel of 20000; bytes
+    Noise = 'n',   ///< voxels from 0 to 255, fractions in the float image
+    Grey = 'g',    ///< smooth texture and some noise, over the range of integers; around 0 with deviation 1 in floats
+    Blobs = 'b',   ///< 1 where the texture is above its middle, 0 elsewhere; bytes
+    Real = 'r',    ///< gold grains in glass, or a CT of a head, enlarged: over the range of integers, and from 0 to 1
+    Marker = 'm',  ///< the real picture less a tenth of that range, and not below 0
+    Objects = 'o', ///< 1 where the real picture is above its middle, 0 elsewhere; bytes
+    Seeds = 's',   ///< one object voxel of 20000; bytes
 };
 
 /// The same image on every run. Where the environment variable QUELIDE_BENCH_IMAGES names a folder, it is read from

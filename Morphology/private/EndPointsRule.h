@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Morphology/private/GeodesicTiles.h"
+#include "Morphology/private/HitOrMissKernels.h"
 #include "Morphology/private/NeighborhoodRule.h"
 
 namespace qel::morphology {
@@ -14,15 +15,8 @@ public:
     void apply(T const* const* rows, T* out, long count) const override;
 
 private:
-    // By the place of a row: whether all of its three voxels are neighbours, or the one in the middle alone.
-    struct Row
-    {
-        int index;
-        bool isWhole;
-    };
-    Row m_rows[9];
-    int m_numOfRows = 0;
-    int m_middle;
+    HitOrMissKernels<T> m_kernels;
+    NeighborRows m_neighbors;
 };
 
 } // namespace qel::morphology

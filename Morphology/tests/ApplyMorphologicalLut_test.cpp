@@ -1,7 +1,8 @@
 #include "Core/private/SimdVec.h"
-#include "Morphology/private/LutRule.h"
+#include "Morphology/private/HitOrMissKernels.h"
 #include "Morphology/private/MorphologicalLut2DPrivate.h"
 #include "Morphology/private/MorphologicalLut3DPrivate.h"
+#include "Morphology/private/NeighborhoodRule.h"
 #include "Morphology/tests/HitOrMissModel.h"
 
 #include <qel/devices/Cpu.h>
@@ -336,32 +337,48 @@ TYPED_TEST(ApplyMorphologicalLutTest, reportsImagesThatFailDuringTheRun)
         [&](HostImages const& images) { return bool(samePicture(expected, *images[1])); });
 }
 
-TEST(MatchColumnsTest, givesTheSameInAllInstructionSets)
+template <class T> void expectSameKernels()
 {
     std::mt19937 random(5);
     morphology::MatchBytes bytes;
     for (unsigned char& byte : bytes)
         byte = static_cast<unsigned char>(random());
-    std::vector<unsigned char> codes(1100);
-    for (unsigned char& code : codes)
-        code = static_cast<unsigned char>(random() % 8);
-    for (std::size_t const count : {1ul, 15ul, 16ul, 17ul, 31ul, 32ul, 33ul, 1000ul}) {
-        std::size_t const padded =
-            (count + morphology::matchPacket - 1) / morphology::matchPacket * morphology::matchPacket;
-        std::vector<unsigned char> plain(padded, 7), packets(padded, 7);
-        morphology::matchColumns<SimdVec::arch_scalar_tag>(codes.data() + 1, plain.data(), count, bytes);
-        for (std::size_t x = 0; x < count; ++x)
-            ASSERT_EQ(plain[x], (bytes[codes[x] + 8 * codes[x + 2]] >> codes[x + 1] & 1) * 255);
-        plain.resize(count);
-        auto const expectSame = [&](morphology::MatchKernel kernel) {
-            kernel(codes.data() + 1, packets.data(), count, bytes);
-            EXPECT_TRUE(std::equal(plain.begin(), plain.end(), packets.begin()));
-        };
-        if (devices::Cpu::getDevice().getSSELevel() >= 65)
-            expectSame(&morphology::matchColumns<xsimd::sse4_1>);
-        if (devices::Cpu::getDevice().getAVXLevel() >= 2)
-            expectSame(&morphology::matchColumns<xsimd::avx2>);
+    MorphologicalLut3D lut;
+    fill(lut);
+    T const all = static_cast<T>(-1);
+    morphology::MatchingActions<T> const actions{{all, all, 2}, {0, all, 0}};
+    morphology::NeighborRows const neighbors{{1, 3, 4, 5, 7}, {0, 2, 6, 8}, 4, 5, 4};
+    std::vector<T> rows[9];
+    T const* starts[9];
+    for (int i = 0; i < 9; ++i) {
+        for (int x = 0; x < 3002; ++x)
+            rows[i].push_back(static_cast<T>(random() % 10 == 0 ? random() : 0));
+        starts[i] = rows[i].data() + 1;
     }
+    auto const results = [&](morphology::HitOrMissKernels<T> const& kernels, long count) {
+        std::vector<std::vector<T>> all3(3, std::vector<T>(static_cast<std::size_t>(count) + 1, 77));
+        kernels.matchInPlane(starts, all3[0].data(), count, bytes, actions);
+        kernels.matchInSpace(starts, all3[1].data(), count, lut.getPrivate().words.data(), actions);
+        kernels.keepEnds(starts, all3[2].data(), count, neighbors);
+        for (auto const& result : all3)
+            EXPECT_EQ(result.back(), 77) << "beyond the end";
+        return all3;
+    };
+    for (long const count : {1, 15, 16, 17, 31, 32, 33, 1023, 1024, 1025, 3000}) {
+        auto const plain = results(morphology::hitOrMissKernels<SimdVec::arch_scalar_tag, T>(), count);
+        if (devices::Cpu::getDevice().getSSELevel() >= 65) {
+            EXPECT_EQ(plain, results(morphology::hitOrMissKernels<xsimd::sse4_1, T>(), count)) << count;
+        }
+        if (devices::Cpu::getDevice().getAVXLevel() >= 2) {
+            EXPECT_EQ(plain, results(morphology::hitOrMissKernels<xsimd::avx2, T>(), count)) << count;
+        }
+    }
+}
+
+TEST(HitOrMissKernelsTest, giveTheSameInAllInstructionSets)
+{
+    expectSameKernels<unsigned char>();
+    expectSameKernels<unsigned short>();
 }
 
 TEST(BinaryBorderConditionTest, thatIsUnknownIsRefused)
