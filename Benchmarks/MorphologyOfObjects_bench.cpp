@@ -127,14 +127,14 @@ void distance(benchmark::State& state)
     algorithm->run();
     std::vector<float> map(volume.voxels());
     spreadByQueue(in.getInternalBuffer(), map.data(), volume);
-    // Where two points are equally near, the queues may spread another one.
+    // Where two points are equally near, the queues may spread another one: seen at six voxels, by 0.13 at most.
     auto const* const result = reinterpret_cast<float const*>(out.getInternalBuffer());
     unsigned long differences = 0;
     for (unsigned long i = 0; i < map.size(); ++i) {
-        require(std::abs(map[i] - result[i]) <= 0.05f, "distance");
+        require(std::abs(map[i] - result[i]) <= 0.25f, "distance");
         differences += map[i] != result[i];
     }
-    require(differences < map.size() / 1000, "distances");
+    require(differences < map.size() / 100000, "distances");
     measure(state, *algorithm, volume, 5 * volume.voxels());
 }
 

@@ -6,6 +6,7 @@
 #include <tbb/blocked_range.h> // tbb::split
 
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <vector>
 
@@ -40,10 +41,12 @@ void markInterior(unsigned char const* const (&rows)[9], std::size_t voxels, uns
 template <class T> class InitDistanceMapScalar
 {
 public:
-    std::vector<InterfacePoint> points;
+    /// In the order of the voxels where blocks are cut along one axis alone.
+    std::vector<std::vector<InterfacePoint>> parts;
 
     InitDistanceMapScalar(Lattice const& lattice, bool isOutside, float* map)
-        : m_lattice(lattice)
+        : parts(1)
+        , m_lattice(lattice)
         , m_halfSteps(lattice)
         , m_isOutside(isOutside)
         , m_map(map)
@@ -78,8 +81,8 @@ public:
 
     void join(InitDistanceMapScalar& right)
     {
-        points.insert(points.end(), right.points.begin(), right.points.end());
-        std::vector<InterfacePoint>().swap(right.points);
+        parts.insert(parts.end(), std::make_move_iterator(right.parts.begin()),
+                     std::make_move_iterator(right.parts.end()));
     }
 
     void finalize() {}
@@ -103,6 +106,7 @@ private:
     /// All points half-way to the nearest neighbours outside; gives their distance.
     float addNearest(unsigned char const* const (&marks)[9], std::size_t x, Place place)
     {
+        std::vector<InterfacePoint>& points = parts.back();
         float nearest = std::numeric_limits<float>::max();
         std::size_t const before = points.size();
         for (std::size_t k = 0; k < 27; ++k) {

@@ -16,6 +16,8 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <limits>
+#include <vector>
 
 namespace qel::morphology {
 
@@ -77,8 +79,12 @@ template <class T> void EuclideanDistanceMapScalarPrivate::runOn(Lattice const& 
     bool const isOutside = m_map.regionType == OUTSIDE;
     Body body(lattice, isOutside, map);
     ImageToQuantificationFilter3d<T, SimdVec::arch_scalar_tag, Body> filter(nullptr, &body);
-    // A block reads one voxel more on each side.
-    filter.setPartitionerInformation(boost::make_shared<PartitionerInfoFixed>(1024, 32, 16));
+    // A block reads one voxel more on each side. Slabs of whole plans join in the order of the voxels, and so do
+    // stripes of whole rows where a plan is large.
+    constexpr unsigned long whole = std::numeric_limits<long>::max();
+    bool const isDeep = lattice.size[2] >= 32;
+    filter.setPartitionerInformation(
+        boost::make_shared<PartitionerInfoFixed>(whole, isDeep ? whole : 32, isDeep ? 16 : 1));
     if (m_map.borderCondition == ZERO)
         filter.setInput(m_map.input, access::FixedBorderCondition<T>::New(T(isOutside)));
     else
@@ -89,10 +95,20 @@ template <class T> void EuclideanDistanceMapScalarPrivate::runOn(Lattice const& 
     if (isCancelled())
         return;
     nextStep();
-    // Blocks join in any order of rows. In the order of the voxels the outcome is that of one thread.
-    std::stable_sort(body.points.begin(), body.points.end(),
-                     [](InterfacePoint const& a, InterfacePoint const& b) { return a.voxel < b.voxel; });
-    euclidianPropagation(lattice, body.points, map, [this] { return isCancelled(); });
+    std::size_t numOfPoints = 0;
+    for (auto const& part : body.parts)
+        numOfPoints += part.size();
+    std::vector<InterfacePoint> points;
+    points.reserve(numOfPoints);
+    for (auto& part : body.parts) {
+        points.insert(points.end(), part.begin(), part.end());
+        std::vector<InterfacePoint>().swap(part);
+    }
+    // In the order of the voxels the outcome is that of one thread.
+    auto const isBefore = [](InterfacePoint const& a, InterfacePoint const& b) { return a.voxel < b.voxel; };
+    if (!std::is_sorted(points.begin(), points.end(), isBefore))
+        std::stable_sort(points.begin(), points.end(), isBefore);
+    euclidianPropagation(lattice, points, map, [this] { return isCancelled(); });
 }
 
 QEL_REGISTER_RUNNER(EuclideanDistanceMap, EuclideanDistanceMapRunner)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Core/tests/Support/Algorithms.h"
 #include "Core/tests/Support/FewerRounds.h"
+#include "Morphology/tests/BinaryPicture.h"
 
 #include <qel/morphology/EuclideanDistanceMap.h>
 
@@ -10,7 +10,6 @@
 #include <cmath>
 #include <limits>
 #include <queue>
-#include <random>
 #include <vector>
 
 namespace qel::test {
@@ -21,25 +20,6 @@ inline void setSpacings(ImageModel& image, Spacings const& spacings)
 {
     for (int axis = 0; axis < 3; ++axis)
         image.setSpacingOf(static_cast<Components>(axis), spacings[axis]);
-}
-
-/// Random binary voxels of any two values: `percent` of them are not 0.
-template <class T> Picture<T> binaryPicture(Shape const& shape, unsigned seed, unsigned percent)
-{
-    Picture<T> picture(shape);
-    std::mt19937 random(seed);
-    for (T& voxel : picture.voxels)
-        voxel = random() % 100 < percent ? static_cast<T>(1 + random() % 2) : T(0);
-    return picture;
-}
-
-/// For the types of binary images.
-template <class Callable> void forEachBinaryType(Callable&& callable)
-{
-    callable.template operator()<unsigned char>();
-    callable.template operator()<unsigned short>();
-    callable.template operator()<signed char>();
-    callable.template operator()<short>();
 }
 
 /// One of the points half-way across the boundary.

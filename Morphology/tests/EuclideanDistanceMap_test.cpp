@@ -179,7 +179,8 @@ TEST_F(EuclideanDistanceMapTest, endsWithSpacingsThatMakeNoSense)
     for (Spacings const& spacings :
          {Spacings{0, 0, 0}, Spacings{0, 1, 1}, Spacings{1, 0, 1}, Spacings{1, 1, 0}, Spacings{-1, -1, -1},
           Spacings{INFINITY, 1, 1}, Spacings{1, INFINITY, INFINITY}, Spacings{nan, 1, 1}, Spacings{1, nan, 1},
-          Spacings{1, 1, nan}, Spacings{1e300, 1e300, 1e300}, Spacings{1e-300, 1, 1e-30}})
+          Spacings{1, 1, nan}, Spacings{1e300, 1e300, 1e300}, Spacings{1e-300, 1, 1e-30}, Spacings{1e20, 2e20, 1e19},
+          Spacings{1e-20, 2e-20, 1e-21}, Spacings{1e-13, 1, 1e14}})
         for (int const border : {morphology::ZERO, morphology::MIRROR})
             expectLikeTheModel(picture, spacings, morphology::INSIDE, border);
 }

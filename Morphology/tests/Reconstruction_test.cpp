@@ -1,4 +1,5 @@
 #include "Morphology/private/connectivityOf.h"
+#include "Morphology/tests/BinaryPicture.h"
 #include "Morphology/tests/ReconstructionModel.h"
 
 #include <qel/memory/InMemoryImage.h>
@@ -24,17 +25,6 @@ template <class T> Picture<T> objects(Shape const& shape, unsigned seed, unsigne
         voxel = random() % 100 < percent ? static_cast<T>(1) << random() % (8 * sizeof(T) - 1) : T(0);
     return picture;
 }
-
-class BinaryImage : public HostImage
-{
-public:
-    template <class T>
-    explicit BinaryImage(Picture<T> const& picture)
-        : HostImage(picture)
-    {
-        setInterpretation(QEL_BINARY);
-    }
-};
 
 template <class Algorithm> class ReconstructionTest : public testing::Test
 {
