@@ -313,6 +313,21 @@ def _(type):
     return lambda: cv2.kmeans(a, 4, None, ten, 1, cv2.KMEANS_RANDOM_CENTERS)
 
 
+# Registration
+
+
+@peer(cv2, "LandmarkRegistration2D:{type}/robust/1000points", type=("AFFINE", "PROJECTIVE"))
+def _(type):
+    random = np.random.default_rng(1)
+    model = random.uniform(-100, 100, (1000, 2))
+    noise = random.uniform(-0.1, 0.1, (1000, 2))
+    noise[::5] *= 3000
+    data = model + (5, 6) + noise
+    if type == "AFFINE":
+        return lambda: cv2.estimateAffine2D(model, data, method=cv2.LMEDS)
+    return lambda: cv2.findHomography(model, data, method=cv2.LMEDS)
+
+
 def median(run):
     """Milliseconds: of one run where that takes seconds, and else of as many as half a second has, but three at least."""
     times, end = [], 0

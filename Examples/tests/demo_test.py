@@ -130,9 +130,17 @@ accepted, right = (float(share) for share in re.search(
     r"texture: ([\d.]+) % of the voxels recognised, ([\d.]+) % of these rightly", output).groups())
 assert accepted > 80 and right > 90, (accepted, right)
 
+# A view is found where it was taken from, within half a pixel or so of the image.
+assert math.dist((number(r"found again: first pixel at \(([\d.]+)"), number(r"found again: first pixel at \([\d.]+, ([\d.]+)")),
+                 (178, 92)) < 1
+assert number(r"planted at \(178, 92\); turned by ([\d.]+) degrees") == 130 and number(r"scaled by ([\d.]+)") == 1.2
+off = {name: math.dist((float(x), float(y)), (30, 60))
+       for name, x, y in re.findall(r"^(least-\w+) +first pixel at \(([\d.]+), ([\d.]+)\)", output, re.M)}
+assert off["least-median"] < 1 < 5 < off["least-squares"], off
+
 assert output.splitlines()[-1] == str(folder)
 pictures = re.findall(r'src="([^"]*)"', (folder / "index.html").read_text())
-assert len(pictures) == len(set(pictures)) == 39, pictures
+assert len(pictures) == len(set(pictures)) == 45, pictures
 assert set(pictures) == {path.name for path in folder.glob("*.png")}
 for picture in pictures:
     report = subprocess.run([host, "show", folder / picture], check=True, capture_output=True, text=True).stdout
