@@ -17,6 +17,8 @@ from typing import Any as _Any, Callable, Iterable, Literal, NamedTuple, Optiona
 
 import numpy as _numpy
 
+from . import dask as dask
+from ._blocks import blockwise as blockwise
 from ._errors import (BadIndex as BadIndex, Cancelled as Cancelled, Exception as Exception,
                       FileSystemError as FileSystemError, InvalidCall as InvalidCall, MemoryError as MemoryError,
                       ProcessingException as ProcessingException, PropertyError as PropertyError,
@@ -38,6 +40,13 @@ _Numbers4 = Union[Tuple[_Number, _Number, _Number, _Number], Sequence[_Number], 
 _Points = Union[Sequence[Sequence[_Number]], _numpy.ndarray, str]
 _Kernel = Union[Sequence[Any], _numpy.ndarray, str]
 _Matrix = Union[Sequence[Sequence[_Number]], _numpy.ndarray]
+_Label = Union[str, int]
+_Labels = Union[Sequence[_Label], str]
+_Model = Union["TextureClassificationModel", str, os.PathLike[str]]
+_Table = Union[str, os.PathLike[str], _numpy.ndarray, Sequence[_Any]]
+_LineSet = Union["LineSet3D", str, os.PathLike[str]]
+_Transformation2D = "Transformation2D"
+_Transformation3D = "Transformation3D"
 _Path = Union[str, os.PathLike[str]]
 _Progress = Union[Callable[[float], _Any], bool, _Any]
 _Level = Literal["auto", "scalar", "sse", "avx", "gpu"]
@@ -54,18 +63,53 @@ class Algorithm:
     def __getattr__(self, name: str) -> _Any: ...
     def __setattr__(self, name: str, value: _Any) -> None: ...
 
+class TextureClassificationModel:
+    """A classifier of textures."""
+    report: str
+    def __init__(self, path: _Path) -> None: ...
+    def write(self, path: _Path, overwrite: bool = ...) -> None: ...
+
+class LineSet3D:
+    """Polylines in space."""
+    points: _numpy.ndarray
+    indices: _numpy.ndarray
+    lines: list[_numpy.ndarray]
+    def __init__(self, points: _Points, indices: _Numbers) -> None: ...
+    def __len__(self) -> int: ...
+    def write(self, path: _Path, overwrite: bool = ...) -> None: ...
+    def export(self, path: _Path) -> None: ...
+
+def load(path: _Path) -> Union[TextureClassificationModel, LineSet3D]: ...
+
+class Transformation2D:
+    """A mapping of points of the plane."""
+    dimensions: int
+    kind: str
+    parameters: Tuple[float, ...]
+    matrix: Optional[_numpy.ndarray]
+    def __call__(self, points: _Points) -> _numpy.ndarray: ...
+
+class Transformation3D:
+    """A mapping of points of space."""
+    dimensions: int
+    kind: str
+    parameters: Tuple[float, ...]
+    matrix: Optional[_numpy.ndarray]
+    def __call__(self, points: _Points) -> _numpy.ndarray: ...
+
 def create(name: _Name) -> Algorithm: ...
 def algorithms() -> list[str]: ...
 '''
 
 RESULTS = {"image": "_numpy.ndarray", "number": "float", "integer": "int", "unsigned integer": "int", "bool": "bool",
-           "text or path": "str"}
+           "text or path": "str", "model": "TextureClassificationModel", "transformation": "_Any",
+           "line set": "LineSet3D"}
 OPTIONS = ("*, out: Optional[_Image] = ..., dtype: _Any = ..., progress: _Progress = ..., threads: Optional[int] = ..., "
            "level: _Level = ..., extra_memory: Optional[int] = ...")
 
 
 def hint(each):
-    if each["labels"]:
+    if each["labels"] and each["hint"] == "_Label":
         return f'Union[Literal[{", ".join(map(repr, each["labels"]))}], int]'
     return each["hint"]
 

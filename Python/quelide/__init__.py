@@ -24,14 +24,19 @@ from ._errors import (BadIndex, Cancelled, Exception, FileSystemError, InvalidCa
 from ._image import Image
 
 Algorithm = _quelide.Algorithm
+LineSet3D = _quelide.LineSet3D
+load = _quelide.load
+TextureClassificationModel = _quelide.TextureClassificationModel
+Transformation2D, Transformation3D = _quelide.Transformation2D, _quelide.Transformation3D
 _quelide.connect(Image, _registry.make_result_type, _errors.refuse, _errors.cancelled, _errors.from_library,
                  _progress.as_function)
 globals().update(_registry.functions)
 
 # Names that would hide those of Python stay behind.
 __all__ = sorted([*_registry.functions, "Algorithm", "BadIndex", "Cancelled", "FileSystemError", "Image", "InvalidCall",
-                  "ProcessingException", "PropertyError", "RuleException", "SerializationException", "UnexpectedError",
-                  "algorithms", "create"])
+                  "LineSet3D", "ProcessingException", "PropertyError", "RuleException", "SerializationException",
+                  "TextureClassificationModel", "Transformation2D", "Transformation3D", "UnexpectedError",
+                  "algorithms", "create", "load"])
 
 
 def create(name):
@@ -62,7 +67,7 @@ def _no_algorithm(name, kind):
 
 
 # What is not always needed is loaded when it is asked for: chunked arrays, and files.
-_LATER = {"open": "_files", "MappedImage": "_files"}
+_LATER = {"dask": "dask", "open": "_files", "MappedImage": "_files", "blockwise": "_blocks"}
 
 
 def __getattr__(name):

@@ -149,7 +149,7 @@ def _remedy(message, property):
                 f"give quelide.Image(array, interpretation={wanted[0]!r})")
     found = re.search(r'"(.*)" must be set', message)
     if found:
-        return f"give {found[1]}=, an array or a quelide.Image"
+        return f"give {found[1]}=..."
     if "cannot be used as output image if it must be retyped" in message:
         return "the result has another type than the input: let it be made anew, without out="
     found = re.search(r'"(.*)" cannot be (re\w+)', message)

@@ -44,6 +44,8 @@ def _documentation(entry):
         if not each["isImage"]:
             text += f' (default {each["default"]!r})'
         lines.append(text)
+        if each["labels"] and each["labels"][0] not in each["kind"]:
+            lines.append(f'        labels: {", ".join(each["labels"])}')
     lines += ["", "Results"]
     lines += [f'    {each["name"]}: {each["kind"]}' for each in entry["properties"] if each["isOutput"]] or ["    none"]
     lines += ["", "Options"]
@@ -76,9 +78,10 @@ def make_result_type(algorithm, fields):
     from collections import namedtuple
 
     name = f"{algorithm}Result"
-    made = namedtuple(name, fields, module="quelide")
-    setattr(sys.modules["quelide"], name, made)  # where pickle looks for it
-    return made
+    package = sys.modules["quelide"].__dict__  # where pickle looks for it
+    if name not in package:
+        package[name] = namedtuple(name, fields, module="quelide")
+    return package[name]
 
 
 def result_type(name):

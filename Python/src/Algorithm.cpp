@@ -22,8 +22,6 @@ namespace binding {
 
 namespace {
 
-std::string toStdString(qel::String const& text) { return {text.c_str(), text.length()}; }
-
 std::string nameSpaceOf(qel::BaseAlgorithm const& algorithm)
 {
     int status = 0;
@@ -504,8 +502,10 @@ void Algorithm::probe()
             for (std::size_t i = 0; i < m_slots.size(); ++i) {
                 PropertyRecord const& property = m_record.properties[i];
                 // Voxels that were given are left as they are.
-                if (property.isOutput && m_slots[i].image)
+                if (property.isOutput && m_slots[i].image) {
                     m_slots[i].image = std::make_shared<NumpyImage>(property.newType.value_or(type), 2);
+                    m_slots[i].image->isWithoutVoxels = true;
+                }
             }
             connectImages();
             try {
@@ -570,15 +570,17 @@ bool Algorithm::adaptInterpretation(qel::Exception const& error)
     std::size_t const begin = text.rfind('"', supports - 1) + 1;
     std::string const name = text.substr(begin, supports - begin);
     std::string const wanted = text.substr(supports + sizeof("\" supports ") - 1);
-    qel::Interpretations interpretation = qel::QEL_VALUE;
-    if (wanted.compare(0, 10, "QEL_BINARY") == 0)
-        interpretation = qel::QEL_BINARY;
-    else if (wanted.compare(0, 9, "QEL_LABEL") == 0)
-        interpretation = qel::QEL_LABEL;
+    std::string const allowed = wanted.substr(0, wanted.find(". Current"));
+    bool const takesLabels = allowed.find("QEL_LABEL") != std::string::npos;
+    bool const takesBinary = allowed.find("QEL_BINARY") != std::string::npos;
     for (std::size_t i = 0; i < m_slots.size(); ++i) {
         NumpyImage* const image = m_slots[i].image.get();
         if (m_record.properties[i].name != name || !image)
             continue;
+        // A mask is a label image of one label, but labels are no mask.
+        qel::Interpretations const interpretation = takesLabels && !(takesBinary && m_slots[i].isBool) ? qel::QEL_LABEL
+                                                    : takesBinary                                      ? qel::QEL_BINARY
+                                                                                                       : qel::QEL_VALUE;
         if (image->isInterpreted || image->getInterpretation() == interpretation)
             return false;
         image->setInterpretation(interpretation);

@@ -1,5 +1,7 @@
 #include "Conversions.h"
 
+#include <qel/EnumInfo.h>
+
 namespace binding {
 
 namespace {
@@ -137,6 +139,30 @@ std::string toText(py::handle object)
     return text;
 }
 
+std::string toStdString(qel::String const& text) { return {text.c_str(), text.length()}; }
+
+int toEnumeration(py::handle object, EnumInfo const& info)
+{
+    if (PyUnicode_Check(object.ptr())) {
+        qel::String const label = toText(object).c_str();
+        if (!info.exists(label))
+            throw Refusal("\"" + toStdString(label) + "\" is none of its labels");
+        return info.getValueFromLabel(label);
+    }
+    auto const number =
+        static_cast<int>(toInteger(object, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+    if (!info.exists(number))
+        throw Refusal("the number " + std::to_string(number) + " has no label");
+    return number;
+}
+
+py::object fromEnumeration(int value, EnumInfo const& info)
+{
+    if (!info.exists(value))
+        return py::int_(value);
+    return py::str(toStdString(info.getLabelFromValue(value)));
+}
+
 py::list toSequence(py::handle object, std::string const& what)
 {
     // An array becomes numbers of Python at once: rows of it, too, for an array of points.
@@ -161,6 +187,17 @@ py::object Conversion<qel::String>::to(qel::String const& value)
 {
     return py::reinterpret_steal<py::object>(
         PyUnicode_DecodeFSDefaultAndSize(value.c_str(), static_cast<py::ssize_t>(value.length())));
+}
+
+qel::segmentation::TextureFeatureTypes Conversion<qel::segmentation::TextureFeatureTypes>::from(py::handle object)
+{
+    return static_cast<qel::segmentation::TextureFeatureTypes>(
+        toEnumeration(object, qel::segmentation::textureFeatureTypesInfo()));
+}
+
+py::object Conversion<qel::segmentation::TextureFeatureTypes>::to(qel::segmentation::TextureFeatureTypes value)
+{
+    return fromEnumeration(value, qel::segmentation::textureFeatureTypesInfo());
 }
 
 qel::Scalar Conversion<qel::Scalar>::from(py::handle object)

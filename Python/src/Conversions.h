@@ -13,12 +13,15 @@
 #include <qel/math/Vector2.h>
 #include <qel/math/Vector3.h>
 #include <qel/math/Vector4.h>
+#include <qel/segmentation/TextureFeatureGroup.h>
 
 #include <pybind11/numpy.h>
 
 #include <limits>
 #include <string>
 #include <type_traits>
+
+class EnumInfo;
 
 namespace binding {
 
@@ -34,6 +37,11 @@ double toReal(py::handle object);
 bool toBool(py::handle object);
 /// A text, or a path.
 std::string toText(py::handle object);
+std::string toStdString(qel::String const& text);
+/// A label, or a number that has one.
+int toEnumeration(py::handle object, EnumInfo const& info);
+/// The label of a number, or the number where it has none.
+py::object fromEnumeration(int value, EnumInfo const& info);
 /// The elements of a sequence (a list, a tuple, an array), or a refusal that says `what` is wanted.
 py::list toSequence(py::handle object, std::string const& what);
 
@@ -81,6 +89,14 @@ template <> struct Conversion<qel::String>
         return {text.data(), text.size()};
     }
     static py::object to(qel::String const& value);
+};
+
+template <> struct Conversion<qel::segmentation::TextureFeatureTypes>
+{
+    static std::string name() { return "label"; }
+    static std::string hint() { return "_Label"; }
+    static qel::segmentation::TextureFeatureTypes from(py::handle object);
+    static py::object to(qel::segmentation::TextureFeatureTypes value);
 };
 
 template <> struct Conversion<qel::Scalar>
@@ -209,19 +225,21 @@ template <class E> struct Conversion<qel::container::Vector<E>>
             return "array of n x " + std::to_string(Conversion<E>::components) + " " +
                    Conversion<typename Conversion<E>::Element>::name() + "s";
         else
-            return "array of " + Conversion<E>::name() + "s";
+            return (std::is_enum_v<E> ? "sequence of " : "array of ") + Conversion<E>::name() + "s";
     }
     static std::string hint()
     {
         if constexpr (IsFixed<E>::value)
             return "_Points";
+        else if constexpr (std::is_enum_v<E>)
+            return "_Labels";
         else
             return "_Numbers";
     }
     static V from(py::handle object)
     {
         V value;
-        py::list const elements = toSequence(object, "it takes an " + name());
+        py::list const elements = toSequence(object, "it takes " + name());
         value.reserve(elements.size());
         for (py::handle const element : elements)
             value.push_back(Conversion<E>::from(element));
@@ -237,6 +255,11 @@ template <class E> struct Conversion<qel::container::Vector<E>>
                 for (int j = 0; j < n; ++j)
                     array.mutable_at(i, j) = value[static_cast<unsigned long>(i)][static_cast<unsigned long>(j)];
             return array;
+        } else if constexpr (std::is_enum_v<E>) {
+            py::tuple all(count);
+            for (py::ssize_t i = 0; i < count; ++i)
+                all[static_cast<std::size_t>(i)] = Conversion<E>::to(value[static_cast<unsigned long>(i)]);
+            return all;
         } else {
             py::array_t<E> array(count);
             for (py::ssize_t i = 0; i < count; ++i)

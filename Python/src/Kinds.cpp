@@ -1,5 +1,7 @@
 #include "Kinds.h"
 
+#include "Objects.h"
+
 #include <qel/EnumInfo.h>
 #include <qel/ImageModel.h>
 #include <qel/PropertyEnumeration.h>
@@ -8,7 +10,15 @@ namespace binding {
 
 namespace {
 
-std::string toStdString(qel::String const& text) { return {text.c_str(), text.length()}; }
+std::vector<std::string> labelsOf(EnumInfo const& info)
+{
+    std::vector<std::string> all;
+    for (unsigned long i = 0; i < info.getNumOfLabels(); ++i) {
+        if (std::string label = toStdString(info.getLabelFromlabelIndex(i)); !label.empty())
+            all.push_back(std::move(label));
+    }
+    return all;
+}
 
 // The library's own text form, which every kind of value may be given in, too.
 bool readText(qel::BaseProperty& property, py::handle value)
@@ -32,6 +42,12 @@ public:
     }
     std::string name(qel::BaseProperty&) const override { return Conversion<T>::name(); }
     std::string hint() const override { return Conversion<T>::hint(); }
+    std::vector<std::string> labels(qel::BaseProperty&) const override
+    {
+        if constexpr (std::is_same_v<T, qel::segmentation::TextureFeatureGroup>)
+            return labelsOf(qel::segmentation::textureFeatureTypesInfo());
+        return {};
+    }
     void assign(qel::BaseProperty& property, py::handle value, Kept&) const override
     {
         if constexpr (!std::is_same_v<T, qel::String>) {
@@ -65,36 +81,16 @@ public:
     void assign(qel::BaseProperty& base, py::handle value, Kept&) const override
     {
         auto& property = static_cast<qel::PropertyEnumeration&>(base);
-        EnumInfo const& info = *property.getEnumInfo();
-        if (PyUnicode_Check(value.ptr())) {
-            qel::String const label = toText(value).c_str();
-            if (!info.exists(label))
-                throw Refusal("\"" + toStdString(label) + "\" is none of its labels");
-            property = info.getValueFromLabel(label);
-            return;
-        }
-        auto const number =
-            static_cast<int>(toInteger(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
-        if (!info.exists(number))
-            throw Refusal("the number " + std::to_string(number) + " has no label");
-        property = number;
+        property = toEnumeration(value, *property.getEnumInfo());
     }
     py::object value(qel::BaseProperty& base, Kept const&) const override
     {
         auto& property = static_cast<qel::PropertyEnumeration&>(base);
-        int const number = property.get();
-        EnumInfo const& info = *property.getEnumInfo();
-        if (!info.exists(number))
-            return py::int_(number);
-        return py::str(toStdString(info.getLabelFromValue(number)));
+        return fromEnumeration(property.get(), *property.getEnumInfo());
     }
     std::vector<std::string> labels(qel::BaseProperty& property) const override
     {
-        EnumInfo const& info = *static_cast<qel::PropertyEnumeration&>(property).getEnumInfo();
-        std::vector<std::string> all;
-        for (unsigned long i = 0; i < info.getNumOfLabels(); ++i)
-            all.push_back(toStdString(info.getLabelFromlabelIndex(i)));
-        return all;
+        return labelsOf(*static_cast<qel::PropertyEnumeration&>(property).getEnumInfo());
     }
 };
 
@@ -210,6 +206,8 @@ Table makeTable()
     addPoints<Vector2<int>, Vector2<unsigned int>, Vector2<long>, Vector2<unsigned long>, Vector2<double>>(table);
     addPoints<Vector3<int>, Vector3<unsigned int>, Vector3<long>, Vector3<unsigned long>, Vector3<double>>(table);
     addPoints<Vector4<int>, Vector4<unsigned int>, Vector4<long>, Vector4<unsigned long>, Vector4<double>>(table);
+    addValues<qel::segmentation::TextureFeatureGroup>(table);
+    addObjectKinds(table);
     table.push_back(std::make_unique<UnknownKind>());
     return table;
 }

@@ -30,7 +30,9 @@ public:
     /// Counts bytes that were read or written; gives memory back where there were many. From any thread.
     void touched(unsigned long bytes)
     {
-        if (m_touched.fetch_add(bytes, std::memory_order_relaxed) + bytes > bytesKept)
+        // Whoever asks for less gets a page all the same.
+        unsigned long const counted = bytes < page ? page : bytes;
+        if (m_touched.fetch_add(counted, std::memory_order_relaxed) + counted > bytesKept)
             giveBack();
     }
 
@@ -42,6 +44,7 @@ public:
 
     /// How many bytes may be touched before memory is given back.
     static unsigned long const bytesKept = 64ul << 20;
+    static unsigned long const page = 4096;
 
 private:
     std::string m_path;

@@ -1,5 +1,6 @@
 #include "Algorithm.h"
 #include "MappedFile.h"
+#include "Objects.h"
 
 #include <qel/AlgoBorderInfluence.h>
 #include <qel/DirectionTypes.h>
@@ -215,6 +216,7 @@ PYBIND11_MODULE(_quelide, module)
         .def("reach", &Function::reach);
     defineAlgorithm(module);
     defineMappedFile(module);
+    defineObjects(module);
     module.def("describe", &describe);
     module.def("connect",
                [](py::object const& imageClass, py::object const& makeResultType, py::object const& refuse,

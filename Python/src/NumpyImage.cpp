@@ -312,7 +312,12 @@ bool NumpyImage::reserve(qel::VoxelTypes const& type, unsigned long columns, uns
         if (__builtin_mul_overflow(bytes, size, &bytes) || bytes > PTRDIFF_MAX)
             return false;
     }
-    // A child of the algorithm has no calibration to keep, but this image has.
+    if (isWithoutVoxels) {
+        for (int axis = 0; axis < numOfAxes; ++axis)
+            m_axes[axis].size = sizes[axis];
+        m_type = type;
+        return true;
+    }
     py::gil_scoped_acquire const lock;
     int dimensions = m_numOfDimensions;
     for (int axis = dimensions; axis < numOfAxes; ++axis) {

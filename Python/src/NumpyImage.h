@@ -56,9 +56,6 @@ public:
     /// The bytes from the first one that voxels lie in to behind the last one.
     void bounds(unsigned char const*& begin, unsigned char const*& end) const;
 
-    /// Gives back everything but the array's memory to a state fit for a further run.
-    void renew();
-
     unsigned long getNumOf(qel::Components const& component) const override;
     qel::VoxelTypes getVoxelType() const override { return m_type; }
     bool setOriginOf(qel::Components const& component, double origin) override;
@@ -87,6 +84,8 @@ public:
 
     /// True where the interpretation was declared, and is no guess.
     bool isInterpreted = false;
+    /// True where `reserve` is to take type and sizes, but no memory: for trying rules.
+    bool isWithoutVoxels = false;
 
 private:
     void takeLayout();

@@ -1,4 +1,7 @@
 """What the tests share: a call of any algorithm by introspection alone."""
+import pathlib
+import tempfile
+
 import numpy as np
 
 import quelide as qel
@@ -16,6 +19,39 @@ NEEDED = {
     "NonLocalMeanFilter3D": {"similarity": 5.0, "patchSize": 1, "searchWindowSize": 2},
 }
 
+POINTS = np.random.default_rng(5).random((12, 3)) * 100
+LUT = np.zeros(512, np.uint8)
+LUT[1::2] = 1  # the centre itself
+NEEDED.update({
+    "ApplyMorphologicalLut2D": {"morphologicalLut": LUT},
+    "ApplyMorphologicalLut3D": {"morphologicalLut": np.where(np.arange(27).reshape(3, 3, 3) == 13, 1, 2)},
+    "LandmarkRegistration2D": {"data": POINTS[:, :2] + 3, "model": POINTS[:, :2]},
+    "LandmarkRegistration3D": {"data": POINTS + 3, "model": POINTS},
+    "TextureFeatureExtraction2D": {"textureFeaturesGroup": ["HISTO_Mean", "COOC_ContrastMean"], "radius": 2,
+                                   "directionCollection": [(1, 0)]},
+    "TextureFeatureExtraction3D": {"textureFeaturesGroup": ["HISTO_Mean"], "radius": 1},
+    "TextureClassificationCreate": {"textureFeaturesGroup": ["HISTO_Mean", "HISTO_Stddev"]},
+})
+
+
+
+def trained_model():
+    model = qel.TextureClassificationCreate(textureFeaturesGroup=["HISTO_Mean"], radius=2)
+    image = np.zeros((20, 20), np.uint8)
+    image[:, 10:] = 100
+    labels = np.zeros((20, 20), np.uint16)
+    labels[:, 2:7], labels[:, 13:18] = 1, 2
+    image += (np.indices(image.shape).sum(0) % 3).astype(np.uint8)
+    qel.TextureClassificationTrain(image, labels, classificationModel=model)
+    return model
+
+
+NEEDED.update({
+    "TextureClassificationApply": {"classificationModel": trained_model()},
+    "TextureClassificationTrain": {"classificationModel": trained_model(), "mask": np.eye(13, 11, dtype=np.uint16)[None].repeat(5, 0)},
+    "TextureClassificationStandalone": {"labelImg": (np.arange(5 * 13 * 11).reshape(5, 13, 11) % 3).astype(np.uint8), "radius": 2},
+})
+
 # Outputs that these make are no voxels of the input, and what they do besides is a file.
 FILES = ("LoadQelRawImage", "SaveQelRawImage", "ReadTextureClassificationModel")
 
@@ -27,7 +63,7 @@ def image_names(name):
 def input_kind(name):
     """What an image for this algorithm has to be: "binary" or "value"."""
     binary = ("Labeling", "Reconstruction2D", "Reconstruction3D", "EuclideanDistanceMap", "LocalThicknessMap", "EndPoints2D",
-              "EndPoints3D", "CenterLine3D")
+              "EndPoints3D", "CenterLine3D", "ApplyMorphologicalLut2D", "ApplyMorphologicalLut3D")
     return "binary" if name in binary else "value"
 
 
@@ -51,6 +87,19 @@ def same(a, b):
                 np.ascontiguousarray(a).tobytes() == np.ascontiguousarray(b).tobytes())
     if isinstance(a, tuple):
         return len(a) == len(b) and all(same(x, y) for x, y in zip(a, b))
+    if isinstance(a, qel.TextureClassificationModel):
+        return type(b) is type(a) and file_of(a) == file_of(b)
+    if isinstance(a, qel.LineSet3D):
+        return type(b) is type(a) and a == b
+    if isinstance(a, (qel.Transformation2D, qel.Transformation3D)):
+        return type(b) is type(a) and a.kind == b.kind and same(a(POINTS[:, :2] if a.dimensions == 2 else POINTS),
+                                                                b(POINTS[:, :2] if a.dimensions == 2 else POINTS))
     if isinstance(a, float) and a != a:
         return b != b
     return a == b
+
+
+def file_of(model):
+    with tempfile.TemporaryDirectory() as folder:
+        model.write(f"{folder}/model.qelo")
+        return pathlib.Path(folder, "model.qelo").read_bytes()

@@ -40,6 +40,9 @@ def test_runs_each_algorithm_by_introspection(name):
         setattr(algorithm, key, value)
     assert same(algorithm.run(), result)
     outputs = [each for each in entry["properties"] if each["isOutput"]]
+    if not outputs:  # what it is for is an input, too
+        assert result is None
+        return
     results = result if len(outputs) > 1 else (result,)
     assert len(results) == len(outputs)
     for each, value in zip(outputs, results):

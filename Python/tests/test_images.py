@@ -1,5 +1,7 @@
 """Arrays are images over their own memory: of any strides, never copied, never gone too early."""
 import gc
+import pathlib
+import subprocess
 import sys
 import weakref
 
@@ -218,3 +220,13 @@ def test_holds_no_reference_after_a_call():
             qel.BoxFilter2D(image, out=out, boxSize="wrong")
     gc.collect()
     assert [sys.getrefcount(each) for each in (image, out, wrapped)] == counts
+
+
+def test_takes_no_memory_but_that_of_the_result():
+    # The first run of a class tries its rules, with wider types.
+    code = ("import sys; sys.path.insert(0, sys.argv[1])\nimport resource, numpy as np, quelide as qel\n"
+            "image = np.zeros((4096, 4096), np.uint8)\nout = np.zeros_like(image)\n"
+            "limit = int(open('/proc/self/statm').read().split()[0]) * 4096 + (96 << 20)\n"
+            "resource.setrlimit(resource.RLIMIT_AS, (limit, limit))\nqel.Threshold(image, 0, 1, out=out, threads=1)\n"
+            "assert out.all()")
+    subprocess.run([sys.executable, "-c", code, str(pathlib.Path(qel.__file__).parents[1])], check=True)
