@@ -125,6 +125,14 @@ for count, mean in classes:
     begin += count
 assert begin == len(ascending)
 
+# Neighbours are alike on bricks and in grains, and not in grass.
+measures = {(measure, texture): float(mean) for measure, texture, mean
+            in re.findall(r"^(\w+) of (bricks|grass|grains): (.*)$", output, re.M)}
+assert len(measures) == 9, measures
+assert measures["contrast", "grass"] > 4 * measures["contrast", "bricks"] > 0, measures
+assert measures["entropy", "grass"] > max(measures["entropy", other] for other in ("bricks", "grains")), measures
+assert 1 > measures["correlation", "grains"] > 0.85 > 0.8 > measures["correlation", "grass"] > 0, measures
+
 # Textures, learnt from one mosaic and recognised in another.
 accepted, right = (float(share) for share in re.search(
     r"texture: ([\d.]+) % of the voxels recognised, ([\d.]+) % of these rightly", output).groups())
@@ -140,7 +148,7 @@ assert off["least-median"] < 1 < 5 < off["least-squares"], off
 
 assert output.splitlines()[-1] == str(folder)
 pictures = re.findall(r'src="([^"]*)"', (folder / "index.html").read_text())
-assert len(pictures) == len(set(pictures)) == 45, pictures
+assert len(pictures) == len(set(pictures)) == 49, pictures
 assert set(pictures) == {path.name for path in folder.glob("*.png")}
 for picture in pictures:
     report = subprocess.run([host, "show", folder / picture], check=True, capture_output=True, text=True).stdout

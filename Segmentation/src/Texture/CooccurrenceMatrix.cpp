@@ -136,7 +136,7 @@ struct CooccurrenceMatrix::PairCodes
             secondBin[k] = second[k];
         }
         forAll([&](std::size_t k) {
-            std::int32_t const step = static_cast<std::int32_t>(firstBin[k] - secondBin[k]);
+            std::int32_t const step = static_cast<std::int32_t>(firstBin[k]) - static_cast<std::int32_t>(secondBin[k]);
             std::int32_t const sign = step >> 31;
             sum[k] = firstBin[k] + secondBin[k];
             difference[k] = static_cast<std::uint32_t>((step ^ sign) - sign);
