@@ -306,8 +306,9 @@ int main(int argc, char** argv)
     registerPatterns<unsigned short>();
     addReconstruction<unsigned char, Reconstruction2D>("Reconstruction2D", smallPlane, {4, 8}, true);
     addReconstruction<unsigned char, GrayScaleReconstruction2D>("GrayScaleReconstruction2D", smallPlane, {4, 8}, false);
-    addReconstruction<unsigned short, GrayScaleReconstruction2D>("GrayScaleReconstruction2D", smallPlane, {8}, false);
-    addReconstruction<float, GrayScaleReconstruction2D>("GrayScaleReconstruction2D", smallPlane, {8}, false);
+    addReconstruction<unsigned short, GrayScaleReconstruction2D>("GrayScaleReconstruction2D", smallPlane, {4, 8},
+                                                                 false);
+    addReconstruction<float, GrayScaleReconstruction2D>("GrayScaleReconstruction2D", smallPlane, {4, 8}, false);
     addReconstruction<unsigned char, Reconstruction3D>("Reconstruction3D", volume, {6, 18, 26}, true);
     addReconstruction<unsigned char, GrayScaleReconstruction3D>("GrayScaleReconstruction3D", volume, {6, 18, 26},
                                                                 false);

@@ -39,17 +39,17 @@ if cv2:
     names[cv2] = f"OpenCV {cv2.__version__}"
 if ndimage:
     names[ndimage] = f"SciPy {import_module('scipy').__version__}"
-for module in (measure, restoration, rank, feature):
+for module in (measure, restoration, rank, morphology, feature):
     if module:
         names[module] = f"scikit-image {import_module('skimage').__version__}"
 
-SHAPES = {"4096": (4096, 4096), "1024": (1024, 1024), "512": (512, 512), "256^3": (256, 256, 256)}
+SHAPES = {"4096": (4096, 4096), "2048": (2048, 2048), "1024": (1024, 1024), "512": (512, 512), "256^3": (256, 256, 256)}
 TYPES = ("uint8", "uint16", "float32")
 folder = Path(sys.argv[1])
 
 
 def picture(letter, shape, type="uint8"):
-    """n: noise, g: grey, b: blobs, m: marker, s: seeds."""
+    """n: noise, g: grey, b: blobs, r: real, m: marker, o: objects, s: seeds."""
     return np.fromfile(folder / f"{letter}_{shape}_{type}.raw", type).reshape(SHAPES[shape])
 
 
@@ -251,6 +251,44 @@ def _(angle, type, size):
     element = np.zeros((rows[-1] + 1, size), "uint8")
     element[rows, np.arange(size)] = 1
     return lambda: cv2.erode(a, element, out, anchor=(0, 0))
+
+
+# scikit-image's reconstruction compares whole neighbourhoods by their footprint. The binary one is grey reconstruction on
+# two values there, and marking the parts that a seed touches in SciPy.
+
+
+def footprint(neighbours, dimensions):
+    return ndimage.generate_binary_structure(dimensions, {4: 1, 8: 2, 6: 1, 18: 2, 26: 3}[neighbours])
+
+
+# The volumes take half a minute each.
+PLANE = dict(neighbours=(4, 8), d=(2,), shape=("2048",), type=TYPES)
+SPACE = dict(neighbours=(26,), d=(3,), shape=("256^3",), type=("uint8",))
+
+
+def reconstruct(shape, type, neighbours, marker, image):
+    seed, mask = picture(marker, shape, type), picture(image, shape, type)
+    return lambda: morphology.reconstruction(seed, mask, footprint=footprint(neighbours, mask.ndim))
+
+
+def propagate(shape, neighbours):
+    seed, mask = picture("s", shape), picture("o", shape)
+    return lambda: ndimage.binary_propagation(seed, footprint(neighbours, mask.ndim), mask)
+
+
+for space in (PLANE, SPACE):
+
+    @peer(morphology, "Reconstruction{d}D:{neighbours}/{type}/scalar/{shape}", **{**space, "type": ("uint8",)})
+    def _(neighbours, type, d, shape):
+        return reconstruct(shape, type, neighbours, "s", "o")
+
+    @peer(ndimage, "Reconstruction{d}D:{neighbours}/{type}/scalar/{shape}", **{**space, "type": ("uint8",)})
+    def _(neighbours, type, d, shape):
+        return propagate(shape, neighbours)
+
+    @peer(morphology, "GrayScaleReconstruction{d}D:{neighbours}/{type}/scalar/{shape}", **space)
+    def _(neighbours, type, d, shape):
+        return reconstruct(shape, type, neighbours, "m", "r")
 
 
 # Segmentation
