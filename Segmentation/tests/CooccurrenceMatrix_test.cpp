@@ -265,6 +265,11 @@ TEST(GreyLevelBinsTest, putLevelsBeyondTheRangeIntoTheFirstAndTheLast)
     EXPECT_EQ(coarse.size(), 16u);
     EXPECT_EQ(coarse.binOf(huge), 15);
     EXPECT_EQ(coarse.binOf(std::nextafter(huge, 0)), 15);
+    // Nor need a difference to the minimum stay below that of the maximum.
+    GreyLevelBins const rounded(-64, huge, std::ldexp(1.0, 56));
+    ASSERT_EQ(rounded.size(), 16u);
+    ASSERT_EQ(std::nextafter(huge, 0) + 64, huge);
+    EXPECT_EQ(rounded.binOf(std::nextafter(huge, 0)), 15);
     EXPECT_EQ(GreyLevelBins(5, 5, 100).size(), 1u);
     EXPECT_EQ(GreyLevelBins(5, 5, 100).binOf(5), 0);
     EXPECT_EQ(GreyLevelBins(5, 5, 0.25).size(), 4u);
