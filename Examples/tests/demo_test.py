@@ -133,6 +133,24 @@ assert measures["contrast", "grass"] > 4 * measures["contrast", "bricks"] > 0, m
 assert measures["entropy", "grass"] > max(measures["entropy", other] for other in ("bricks", "grains")), measures
 assert 1 > measures["correlation", "grains"] > 0.85 > 0.8 > measures["correlation", "grass"] > 0, measures
 
+# The thickest bone is twice the largest distance from a voxel of bone to the nearest other one, less up to half a step.
+deepest, thickest = (float(length) for length in re.search(
+    r"deepest voxel ([\d.]+) mm below the surface, thickest bone ([\d.]+) mm", output).groups())
+bone = {i for i, v in enumerate(voxels("head_ct.qeli")) if 1300 <= v <= 4095}
+around = sorted((math.hypot(3.2 * x, 3.2 * y, 1.5 * z), x, y, z) for x in range(-5, 6) for y in range(-5, 6)
+                for z in range(-11, 12))
+
+
+def distance_to_others(i):
+    column, row, plan = i % 64, i // 64 % 64, i // 4096
+    return next(d for d, x, y, z in around if not (0 <= column + x < 64 and 0 <= row + y < 64 and 0 <= plan + z < 93)
+                or i + x + 64 * y + 4096 * z not in bone)
+
+
+reach = max(map(distance_to_others, bone))
+assert 2 * (reach - 2.8) <= thickest <= 2 * reach + 0.1, (reach, thickest)
+assert 20 < deepest < 100, deepest  # the head is 150 mm wide
+
 # Textures, learnt from one mosaic and recognised in another.
 accepted, right = (float(share) for share in re.search(
     r"texture: ([\d.]+) % of the voxels recognised, ([\d.]+) % of these rightly", output).groups())
@@ -148,7 +166,7 @@ assert off["least-median"] < 1 < 5 < off["least-squares"], off
 
 assert output.splitlines()[-1] == str(folder)
 pictures = re.findall(r'src="([^"]*)"', (folder / "index.html").read_text())
-assert len(pictures) == len(set(pictures)) == 49, pictures
+assert len(pictures) == len(set(pictures)) == 52, pictures
 assert set(pictures) == {path.name for path in folder.glob("*.png")}
 for picture in pictures:
     report = subprocess.run([host, "show", folder / picture], check=True, capture_output=True, text=True).stdout
