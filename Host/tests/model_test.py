@@ -1,8 +1,9 @@
 """quelide over classification models: created, stored, read, shown."""
 
+import random
 import struct
 
-from support import HostTest, main
+from support import HostTest, Image, main
 
 CREATE = ("run", "TextureClassificationCreate", "textureFeaturesGroup=@v:HISTO_Mean#53")
 
@@ -39,6 +40,57 @@ class ModelTest(HostTest):
         self.assertTrue(self.content("a.qelo").startswith(self.content("b.qelo")))
         self.assertIn("The <b.qelo> file is corrupted.", self.failed("show", "b.qelo"))
         self.assertEqual(["a.qelo", "b.qelo"], self.files())
+
+    def write_textures(self):
+        """Flat on the left, rough on the right, and labels of most voxels."""
+        noise = random.Random(1)
+        rows = range(16)
+        voxels = [noise.randrange(100, 104) if column < 20 else noise.randrange(256) for _ in rows for column in range(40)]
+        labels = [(column + row) % 5 and (1 if column < 20 else 2) for row in rows for column in range(40)]
+        Image("uint8", (40, 16, 1, 1, 1), voxels).write_raw(self.path("in.qeli"))
+        Image("uint8", (40, 16, 1, 1, 1), labels, "label").write_raw(self.path("labels.qeli"))
+
+    def share_that_is_right(self, name):
+        image = self.raw(name)
+        self.assertEqual(("uint16", "label"), (image.type, image.interpretation))
+        right = sum(label == (1 if i % 40 < 20 else 2) for i, label in enumerate(image.voxels))
+        return right / sum(label != 0 for label in image.voxels)
+
+    def test_a_model_is_trained_stored_shown_and_applied(self):
+        self.write_textures()
+        self.good(*CREATE, "radius=2", "binSizeHistogram=4", "classificationModel=a.qelo")
+        before = self.content("a.qelo")
+        out = self.good("run", "TextureClassificationTrain", "input=in.qeli", "mask=labels.qeli",
+                        "classificationModel=a.qelo,save=b.qelo").out
+        self.assertEqual("classificationModel = b.qelo\n", out)
+        self.assertEqual(before, self.content("a.qelo"))
+        shown = self.good("show", "b.qelo").out
+        self.assertTrue(shown.startswith("kind = TextureClassificationModel\ntrained = true\nCompute mode: 0\n"), shown)
+        self.assertIn("selected features: \n\tHISTO_", shown)
+        as_json = self.good("show", "b.qelo", "--json").json()
+        self.assertEqual(shown.split("\n", 2)[2], as_json["report"])
+        self.assertEqual("classifiedImage = c.qeli uint16 40_16_1_1_1\n",
+                         self.good("run", "TextureClassificationApply", "input=in.qeli", "classificationModel=b.qelo",
+                                   "rejection=5", "classifiedImage=c.qeli").out)
+        self.assertGreater(self.share_that_is_right("c.qeli"), 0.9)
+
+    def test_a_model_is_stored_in_its_own_place(self):
+        self.write_textures()
+        self.good(*CREATE, "radius=2", "classificationModel=a.qelo")
+        for _ in range(2):
+            self.good("run", "TextureClassificationTrain", "input=in.qeli", "mask=labels.qeli", "--threads=2",
+                      "classificationModel=a.qelo,save=a.qelo")
+        self.assertTrue(self.good("show", "a.qelo", "--json").json()["trained"])
+        self.assertIn("save=", self.refused("run", "TextureClassificationTrain", "input=in.qeli", "mask=labels.qeli",
+                                            "classificationModel=a.qelo,save="))
+
+    def test_all_in_one_call_over_the_labels_themselves(self):
+        self.write_textures()
+        out = self.good("run", "TextureClassificationStandalone", "input=in.qeli",
+                        "labelImg=labels.qeli,type=uint16", "usedMeasures=6", "radius=2", "rejection=5",
+                        "classifiedImage=@labelImg,save=c.qeli").out
+        self.assertIn("classificationDetails = Compute mode: 0\nNumber of classes: 2\nradius: 2\n", out)
+        self.assertGreater(self.share_that_is_right("c.qeli"), 0.9)
 
     def test_a_model_left_out_is_told_by_the_rule(self):
         for arguments in ((), ("classificationModel=null",)):
