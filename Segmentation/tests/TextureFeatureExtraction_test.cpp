@@ -579,6 +579,14 @@ TYPED_TEST(TextureFeatureExtractionTest, refusesWhatNoMemoryHolds)
     this->setRanges(0, 30, 1);
     it.radius = 3000000000u;
     EXPECT_QEL_THROW(it.run(), MemoryError, "The available memory does not hold a window of radius 3000000000.");
+    it.radius = 2;
+    this->setFeatures({HISTO_Mean});
+    for (double const most : {5e9, 1e13}) {
+        this->setRanges(0, most, 1);
+        EXPECT_QEL_THROW(it.run(), MemoryError,
+                         "The available memory does not hold histograms of " +
+                             std::string(most == 5e9 ? "5e+09" : "1e+13") + " bins.");
+    }
 }
 
 TYPED_TEST(TextureFeatureExtractionTest, failsWhereNoVoxelOfAWindowIsInTheHistogram)

@@ -47,6 +47,7 @@ public:
 
 private:
     void requireMemoryForWindows() const;
+    void requireMemoryForHistograms() const;
     void requireMemoryForMatrices() const;
 
     TextureParameters m_parameters;

@@ -9,6 +9,8 @@
 #include <tbb/task_arena.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace qel::segmentation::details {
 
@@ -67,8 +69,10 @@ TexturePlan::TexturePlan(TextureParameters const& parameters, TextureChannels co
         parameters.requireDirections();
     requireMemoryForWindows();
     std::vector<kernel::Offset3D> const window = windowOf(parameters.radius, parameters.isVolume);
-    if (m_hasHistogram)
+    if (m_hasHistogram) {
+        requireMemoryForHistograms();
         m_histogramWindow = TextureWindow(window);
+    }
     if (m_indicators.none())
         return;
 
@@ -99,6 +103,19 @@ void TexturePlan::requireMemoryForWindows() const
     double const lists = 6 + static_cast<double>(m_parameters.directions.size()) * (1 + blocksAtOnce());
     if (!fitsMemory(voxels * (lists * sizeof(kernel::Offset3D) + blocksAtOnce() * sizeof(std::uint32_t))))
         QEL_THROW(MemoryError, "The available memory does not hold a window of radius " << m_parameters.radius << ".");
+}
+
+void TexturePlan::requireMemoryForHistograms() const
+{
+    GreyLevelRange const& range = m_parameters.histogram;
+    double const bins = std::abs(range.max - range.min) / range.binSize;
+    // Without a bin size, or with more bins than any memory has, a histogram says so itself.
+    if (!(range.binSize > 0 && bins < 9223372036854775808.0))
+        return;
+    // A walk keeps the bin of each voxel in 32 bits.
+    if (bins > std::numeric_limits<std::uint32_t>::max() - 2.0 ||
+        !fitsMemory(bins * blocksAtOnce() * sizeof(std::uint64_t)))
+        QEL_THROW(MemoryError, "The available memory does not hold histograms of " << bins << " bins.");
 }
 
 void TexturePlan::requireMemoryForMatrices() const
