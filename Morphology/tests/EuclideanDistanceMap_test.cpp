@@ -227,7 +227,10 @@ TEST_F(EuclideanDistanceMapTest, refusesWrongParametersInTheRulesWords)
         HostImage series(QEL_UINT8, shape);
         series.setInterpretation(QEL_BINARY);
         map->input = &series;
-        EXPECT_THROW(map->run(), RuleException);
+        EXPECT_QEL_WHAT(map->run(), RuleException,
+                        text("The number of " + std::string(shape.timeSeries > 1 ? "time" : "spectral") +
+                                 " series of the parameter \"input\" must be 1. Current size is 2.",
+                             "input"));
     }
     map->input = &in;
     map->regionType = 2;

@@ -204,6 +204,12 @@ TEST_F(LocalThicknessMapTest, refusesWrongParametersInTheRulesWords)
         return ruleText(message, property, name);
     };
     EXPECT_QEL_WHAT(map->run(), RuleException, text("The parameter \"input\" must be set.", "input"));
+    HostImage const wide(QEL_INT32, {3, 3});
+    map->input = &wide;
+    EXPECT_QEL_WHAT(map->run(), RuleException,
+                    text("The parameter \"input\" supports only data type(s): uint8, uint16, int8, int16. Current data "
+                         "type is int32.",
+                         "input"));
     map->input = &in;
     EXPECT_QEL_WHAT(map->run(), RuleException,
                     text("The parameter \"input\" supports QEL_BINARY. Current image is QEL_VALUE.", "input"));
@@ -218,9 +224,44 @@ TEST_F(LocalThicknessMapTest, refusesWrongParametersInTheRulesWords)
         HostImage series(QEL_UINT8, shape);
         series.setInterpretation(QEL_BINARY);
         map->input = &series;
-        EXPECT_THROW(map->run(), RuleException);
+        EXPECT_QEL_WHAT(map->run(), RuleException,
+                        text("The number of " + std::string(shape.timeSeries > 1 ? "time" : "spectral") +
+                                 " series of the parameter \"input\" must be 1. Current size is 2.",
+                             "input"));
     }
     EXPECT_TRUE(isAtRest(*map));
+}
+
+TEST_F(LocalThicknessMapTest, reportsImagesThatFailDuringTheRun)
+{
+    auto const picture = binaryPicture<unsigned char>(Shape{5, 23}, 1, 70);
+    Picture<float> const expected = thicknessOf(picture, {1, 1, 1});
+    auto const attempt = [&](auto const& spoil, std::string const& text) {
+        HostImage in(picture);
+        in.setInterpretation(QEL_BINARY);
+        setSpacings(in, {1, 1, 1});
+        HostImage out;
+        map->input = &in;
+        map->output = &out;
+        spoil(in, out);
+        Poller poller;
+        EXPECT_QEL_WHAT(map->run(), UnexpectedError, text);
+        EXPECT_QEL_WHAT(map->run(&poller), UnexpectedError, text);
+        EXPECT_TRUE(isAtRest(*map));
+        in.behave();
+        out.behave();
+        map->run();
+        EXPECT_TRUE(samePicture(expected, out));
+    };
+    // The copies from and to the host's images are algorithms of their own, and so is the distance map.
+    attempt([](HostImage& in, HostImage&) { in.failOn(READ_ROW, 5); },
+            errorText("Error in readRowAt implementation, return value is false", "CopyImage \n#3 From " + name));
+    attempt([](HostImage& in, HostImage&) { in.throwOn(READ_ROW, 5); },
+            foreignErrorText("host failure", "CopyImage \n#2 From " + name));
+    attempt([](HostImage&, HostImage& out) { out.failOn(WRITE_ROW, 3); },
+            errorText("Error in writeRowAt implementation, return value is false", "CopyImage \n#3 From " + name));
+    attempt([](HostImage&, HostImage& out) { out.throwOn(WRITE_ROW, 3); },
+            foreignErrorText("host failure", "CopyImage \n#2 From " + name));
 }
 
 TEST_F(LocalThicknessMapTest, stopsWhenItIsCancelled)

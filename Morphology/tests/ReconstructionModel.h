@@ -104,4 +104,18 @@ inline Picture<unsigned char> spiral(unsigned long side)
     return picture;
 }
 
+/// The same in three plans: the corridor goes inwards in the first, on in the middle of the second, and back outwards
+/// in the third.
+inline Picture<unsigned char> spiralInSpace(unsigned long side)
+{
+    Picture<unsigned char> const plan = spiral(side);
+    Picture<unsigned char> picture(Shape{side, side, 3});
+    for (unsigned long y = 0; y < side; ++y)
+        for (unsigned long x = 0; x < side; ++x)
+            picture.at(x, y, 0) = picture.at(x, y, 2) = plan.at(x, y);
+    picture.at(side / 2, side / 2, 1) = 1;
+    picture.at(side / 2, side / 2, 0) = picture.at(side / 2, side / 2, 2) = 1;
+    return picture;
+}
+
 } // namespace qel::test

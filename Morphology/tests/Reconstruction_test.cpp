@@ -127,11 +127,30 @@ TYPED_TEST(ReconstructionTest, worksInPlaceOnEitherImage)
 
 TYPED_TEST(ReconstructionTest, followsASpiral)
 {
-    auto const in = spiral(131);
-    Picture<unsigned char> marker(in.shape);
-    marker.at(0, 0) = 1;
-    for (std::size_t value = 0; value < countsOf(*this->reconstruction).size(); ++value)
-        EXPECT_TRUE(samePicture(in, HostImage(this->run(in, marker, int(value)))));
+    onOneAndFourThreads([&] {
+        for (unsigned long const side : {131ul, 301ul}) {
+            auto const in = spiral(side);
+            Picture<unsigned char> marker(in.shape);
+            marker.at(0, 0) = 1;
+            for (std::size_t value = 0; value < countsOf(*this->reconstruction).size(); ++value)
+                EXPECT_TRUE(samePicture(in, HostImage(this->run(in, marker, int(value)))));
+        }
+    });
+}
+
+TYPED_TEST(ReconstructionTest, followsASpiralThroughPlans)
+{
+    onOneAndFourThreads([&] {
+        auto const in = spiralInSpace(135);
+        Picture<unsigned char> marker(in.shape);
+        marker.at(0, 0, 2) = 1;
+        for (std::size_t value = 0; value < countsOf(*this->reconstruction).size(); ++value) {
+            int const count = countsOf(*this->reconstruction)[value];
+            auto const expected = this->expected(in, marker, count);
+            EXPECT_EQ(expected.at(0, 0, 0), this->isPlanar ? 0 : 1);
+            EXPECT_TRUE(samePicture(expected, HostImage(this->run(in, marker, int(value)))));
+        }
+    });
 }
 
 TYPED_TEST(ReconstructionTest, isEmptyWithoutAMarkerOnAnObject)
@@ -189,9 +208,25 @@ TYPED_TEST(ReconstructionTest, refusesWrongParametersInTheRulesWords)
     EXPECT_QEL_WHAT(algorithm.run(), RuleException,
                     text("The parameter \"input\" supports QEL_BINARY. Current image is QEL_VALUE.", "input"));
     algorithm.input = &series;
-    EXPECT_THROW(algorithm.run(), RuleException);
+    EXPECT_QEL_WHAT(
+        algorithm.run(), RuleException,
+        text("The number of spectral series of the parameter \"input\" must be 1. Current size is 2.", "input"));
+    BinaryImage const real(Picture<float>(Shape{3, 3}));
+    algorithm.input = &real;
+    EXPECT_QEL_WHAT(algorithm.run(), RuleException,
+                    text("The parameter \"input\" supports only data type(s): uint8, uint16, uint32, uint64, int8, "
+                         "int16, int32, int64. Current data type is float32.",
+                         "input"));
     algorithm.input = &good;
     EXPECT_QEL_WHAT(algorithm.run(), RuleException, text("The parameter \"marker\" must be set.", "marker"));
+    algorithm.marker = &grey;
+    EXPECT_QEL_WHAT(algorithm.run(), RuleException,
+                    text("The parameter \"marker\" supports QEL_BINARY. Current image is QEL_VALUE.", "marker"));
+    algorithm.marker = &real;
+    EXPECT_QEL_WHAT(algorithm.run(), RuleException,
+                    text("The parameter \"marker\" supports only data type(s): uint8, uint16, uint32, uint64, int8, "
+                         "int16, int32, int64. Current data type is float32.",
+                         "marker"));
     algorithm.marker = &large;
     EXPECT_QEL_WHAT(algorithm.run(), RuleException,
                     text("The parameters \"input\" and \"marker\" must have the same size.", "marker"));
