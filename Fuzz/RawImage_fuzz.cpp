@@ -1,4 +1,5 @@
 // Raw image files of any origin: loaded, or refused in words; and what was loaded survives a round trip.
+#include "Fuzz/MemoryFile.h"
 #include "Fuzz/Require.h"
 
 #include <qel/Exception.h>
@@ -7,44 +8,15 @@
 #include <qel/tools/LoadQelRawImage.h>
 #include <qel/tools/SaveQelRawImage.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <string>
 
 using namespace qel;
+using fuzz::MemoryFile;
 using fuzz::require;
 
 namespace {
-
-/// A file in memory, which has a path as any other.
-class MemoryFile
-{
-public:
-    MemoryFile()
-        : m_descriptor(memfd_create("image", MFD_CLOEXEC))
-        , m_path("/proc/self/fd/" + std::to_string(m_descriptor))
-    {
-        require(m_descriptor >= 0, "a file in memory can be made");
-    }
-    ~MemoryFile() { close(m_descriptor); }
-    MemoryFile(MemoryFile const&) = delete;
-    MemoryFile& operator=(MemoryFile const&) = delete;
-
-    void assign(std::uint8_t const* data, std::size_t size) const
-    {
-        require(ftruncate(m_descriptor, 0) == 0, "the file can be emptied");
-        require(pwrite(m_descriptor, data, size, 0) == static_cast<ssize_t>(size), "the file can be written");
-    }
-    char const* path() const { return m_path.c_str(); }
-
-private:
-    int m_descriptor;
-    std::string m_path;
-};
 
 bool load(MemoryFile const& file, memory::InMemoryImage& image)
 {

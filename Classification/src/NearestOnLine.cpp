@@ -66,8 +66,8 @@ NearestOnLine<T>::NearestOnLine(std::vector<double> const& centres)
     auto const centreOf = [&](int index) { return centres[static_cast<std::size_t>(index)]; };
     std::ranges::stable_sort(m_classes, {}, centreOf);
     // Of equal centres only the first class takes voxels.
-    auto const rest = std::ranges::unique(m_classes, {}, centreOf);
-    m_classes.erase(rest.begin(), rest.end());
+    auto const isOfEqualCentre = [&](int a, int b) { return centreOf(a) == centreOf(b); };
+    m_classes.erase(std::unique(m_classes.begin(), m_classes.end(), isOfEqualCentre), m_classes.end());
     m_isInOrder = std::ranges::is_sorted(m_classes) && m_classes.back() == static_cast<int>(m_classes.size()) - 1;
 
     double leastGap = std::numeric_limits<double>::infinity();
