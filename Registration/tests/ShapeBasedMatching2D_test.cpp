@@ -360,6 +360,34 @@ TEST(ShapeBasedMatching2D, takesTheFirstOfEqualScores)
     EXPECT_TRUE(same(scene.direct(), found(scene)));
 }
 
+TEST(ShapeBasedMatching2D, takesTheFirstOfEqualScoresInRowsThatAreSearchedApart)
+{
+    Scene<float> scene;
+    scene.x = Picture<float>(Shape{20, 120}, 3);
+    scene.y = Picture<float>(Shape{20, 120}, 0);
+    scene.tx = Picture<float>(Shape{5, 5}, 2);
+    scene.ty = Picture<float>(Shape{5, 5}, 0);
+    scene.mask = Picture<unsigned char>(Shape{5, 5}, 1);
+    scene.settings = {1, false, 0, 0, 10, 1, 1, 1};
+    EXPECT_TRUE(same({0, 0, 1, 0}, found(scene)));
+}
+
+TEST(ShapeBasedMatching2D, takesTheEarlierPoseOfEqualScoresInALaterPlan)
+{
+    // The first plan fits turned by a quarter, the second one as it is.
+    Scene<float> scene;
+    scene.x = Picture<float>(Shape{20, 20, 2}, 0);
+    scene.y = Picture<float>(Shape{20, 20, 2}, 0);
+    std::fill_n(scene.y.voxels.begin(), 400, 3.0f);
+    std::fill_n(scene.x.voxels.begin() + 400, 400, 3.0f);
+    scene.tx = Picture<float>(Shape{5, 5}, 2);
+    scene.ty = Picture<float>(Shape{5, 5}, 0);
+    scene.mask = Picture<unsigned char>(Shape{5, 5}, 1);
+    scene.settings = {1, false, 0, 90, 90, 1, 1, 1};
+    EXPECT_TRUE(same(scene.direct(), found(scene)));
+    EXPECT_EQ(found(scene).rotation, 0);
+}
+
 TEST(ShapeBasedMatching2D, prefersTheLowerScale)
 {
     // A lone point is the same at each scale.
