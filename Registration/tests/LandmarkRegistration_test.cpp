@@ -266,10 +266,10 @@ TYPED_TEST(LandmarkRegistrations, areCancelledWithoutAResult)
     EXPECT_EQ(this->handler.get(), nullptr);
     EXPECT_TRUE(isAtRest(r));
     r.confidence = 0.9;
-    poller.wantsToCancel = false;
-    r.run(&poller);
+    Poller patient;
+    r.run(&patient);
     EXPECT_NE(this->handler.get(), nullptr);
-    EXPECT_TRUE(poller.isSteady);
+    EXPECT_TRUE(patient.isSteady);
 }
 
 TEST(LandmarkRegistration2D, givesTheClassOfEachType)

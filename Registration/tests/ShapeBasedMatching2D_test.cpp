@@ -726,8 +726,8 @@ TEST_F(ShapeBasedMatching2DRun, isCancelled)
     matching->numOfLevel = 3;
     matching->rotationStep = 1;
     matching->scaleStep = 0.1;
-    poller.wantsToCancel = false;
-    matching->run(&poller);
-    EXPECT_TRUE(poller.isSteady);
+    Poller patient;
+    matching->run(&patient);
+    EXPECT_TRUE(patient.isSteady);
     EXPECT_NEAR(matching->outputTx.get(), 10, 2);
 }
