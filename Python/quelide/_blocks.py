@@ -44,7 +44,8 @@ def blockwise(name, *positional, out=None, memory=256 << 20, progress=None, dtyp
     sample = function(**{key: _part(image, (slice(0, 1),) * image.ndim) for key, image in images.items()}, **properties,
                       dtype=dtype, **options)
     first = next(iter(images.values()))
-    shape = first.shape
+    size_in, shrink = first.shape, _locality.shrink(name, first.ndim)
+    shape = tuple(-(-size // step) for size, step in zip(size_in, shrink))
     if out is None:
         result = numpy.empty(shape, sample.dtype)
         out = _calibrated(result, sample) if isinstance(sample, Image) else result
@@ -61,17 +62,17 @@ def blockwise(name, *positional, out=None, memory=256 << 20, progress=None, dtyp
     depth, grid = _locality.depth_and_grid(name, properties, len(shape))
     # A part is read and written, and has a temporary image of 8 bytes a voxel at worst.
     voxel = sum(_array(image).itemsize for image in images.values()) + 2 * target.itemsize + 8
-    blocks = [range(0, size, step) for size, step in zip(shape, _block_shape(shape, depth, grid, memory // voxel))]
+    blocks = [range(0, size, step) for size, step in zip(size_in, _block_shape(size_in, depth, grid, memory // voxel))]
     show = _progress.as_function(progress) if progress else None
     total = math.prod(len(begins) for begins in blocks)
     for done, begins in enumerate(itertools.product(*blocks)):
         inner, outer, trim = [], [], []
-        for begin, starts, reach, step, size in zip(begins, blocks, depth, grid, shape):
+        for begin, starts, reach, step, size, less in zip(begins, blocks, depth, grid, size_in, shrink):
             end = min(begin + starts.step, size)
             low = max(0, begin - reach) // step * step
-            inner.append(slice(begin, end))
             outer.append(slice(low, min(end + reach, size)))
-            trim.append(slice(begin - low, end - low))
+            inner.append(slice(begin // less, -(-end // less)))
+            trim.append(slice((begin - low) // less, -(-(end - low) // less)))
         parts = {key: _array(_part(image, tuple(outer))) for key, image in images.items()}
         result = function(**parts, **properties, dtype=dtype, **options)
         _registry.functions["CopyImage"](result[tuple(trim)], out=target[tuple(inner)])

@@ -18,7 +18,6 @@ _NO_IMAGE = "it takes no image"
 WHOLE = {
     "BorderConditionExtrapole": _RESIZES,
     "CenterLine3D": _CONNECTED,
-    "Decimate2D": _RESIZES,
     "EuclideanDistanceMap": _FARTHEST,
     "GrayScaleReconstruction2D": _CONNECTED,
     "GrayScaleReconstruction3D": _CONNECTED,
@@ -69,6 +68,10 @@ def _no_grid(properties):
     return 1, 1, 1
 
 
+def _pairs(properties):
+    return 2, 2, 1
+
+
 def _power_near_root(size):
     length = 1
     while length * length < size and 2 * length < size:
@@ -104,9 +107,19 @@ LOCAL = {
     **{name + form: (_twice, _no_grid) for name in ("Closing", "Opening") for form in _ELEMENTS},
     **{name + form: (_once, _no_grid) for form in ("2D", "3D")
        for name in ("ApplyMorphologicalLut", "EndPoints", "FiniteImpulseResponseFilter", "GaussianFilter", "MedianFilter")},
+    "Decimate2D": (_once, _pairs),
     **{name: (_once, _box) for name in ("BoxFilter2D", "BoxFilter3D")},
     **{name: (_patch_and_window, _patches) for name in ("NonLocalMeanFilter2D", "NonLocalMeanFilter3D")},
 }
+
+
+# How many voxels become one, where it is not one for one; columns first.
+SHRINKS = {"Decimate2D": (2, 2, 1)}
+
+
+def shrink(name, dimensions):
+    """How many voxels become one, for each axis of an array, in the order of its shape."""
+    return (*SHRINKS.get(name, (1, 1, 1)), 1, 1)[:dimensions][::-1]
 
 
 def kind(name):

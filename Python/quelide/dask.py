@@ -57,7 +57,9 @@ def map(name, *positional, threads=1, level=None, **named):
     run = functools.partial(_run, name, names, properties, options)
     settings = dict(dtype=sample.dtype, meta=numpy.empty((0,) * sample.ndim, sample.dtype))
     if not any(depth):
-        return _da.map_blocks(run, *arrays, **settings)
+        chunks = tuple(tuple(-(-chunk // step) for chunk in axis)
+                       for axis, step in zip(first.chunks, _locality.shrink(name, first.ndim)))
+        return _da.map_blocks(run, *arrays, chunks=chunks, **settings)
     return _da.map_overlap(run, *arrays, depth=dict(enumerate(depth)), boundary="none", trim=True, allow_rechunk=False,
                            align_arrays=False, **settings)
 
@@ -75,7 +77,7 @@ def _chunks_on_grid(chunks, step, depth):
     for chunk in chunks:
         at += chunk
         begin = at // step * step
-        if begin - begins[-1] >= max(depth, step) and size - begin >= max(depth, 1):
+        if begin - begins[-1] >= max(depth, 1) and size - begin >= max(depth, 1):
             begins.append(begin)
     return tuple(end - begin for begin, end in zip(begins, begins[1:] + [size]))
 

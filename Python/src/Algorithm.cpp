@@ -370,24 +370,37 @@ void Algorithm::setImage(std::size_t index, py::handle value)
         auto const array = isWrapped ? py::object(value.attr("array")) : py::reinterpret_borrow<py::object>(value);
         slot.image = imageOver(index, array, isWritten, slot.isBool);
         slot.isWrapped = isWrapped;
-        NumpyImage& image = *slot.image;
-        if (isWrapped) {
-            readAxes(value.attr("spacing"), [&](auto axis, double v) { image.setSpacingOf(axis, v); });
-            readAxes(value.attr("origin"), [&](auto axis, double v) { image.setOriginOf(axis, v); });
-            image.setSpatialUnitName(std::string(py::str(value.attr("unit"))).c_str());
-            image.setTemporalUnitName(std::string(py::str(value.attr("time_unit"))).c_str());
-            qel::Interpretations interpretation;
-            if (interpretationFrom(value.attr("interpretation"), interpretation)) {
-                image.setInterpretation(interpretation);
-                image.isInterpreted = true;
-            }
-        }
-        if (!image.isInterpreted)
-            image.setInterpretation(slot.isBool ? qel::QEL_BINARY : property.assumed);
+        readCalibration(index);
     } catch (...) {
         slot.given = py::object();
         throw;
     }
+}
+
+void Algorithm::readCalibration(std::size_t index)
+{
+    Slot const& slot = m_slots[index];
+    NumpyImage& image = *slot.image;
+    // In place, the calibration is that of the input.
+    for (std::size_t other = 0; other < index; ++other) {
+        if (m_slots[other].image == slot.image)
+            return;
+    }
+    image.isInterpreted = false;
+    if (slot.isWrapped) {
+        py::handle const value = slot.given;
+        readAxes(value.attr("spacing"), [&](auto axis, double v) { image.setSpacingOf(axis, v); });
+        readAxes(value.attr("origin"), [&](auto axis, double v) { image.setOriginOf(axis, v); });
+        image.setSpatialUnitName(std::string(py::str(value.attr("unit"))).c_str());
+        image.setTemporalUnitName(std::string(py::str(value.attr("time_unit"))).c_str());
+        qel::Interpretations interpretation;
+        if (interpretationFrom(value.attr("interpretation"), interpretation)) {
+            image.setInterpretation(interpretation);
+            image.isInterpreted = true;
+        }
+    }
+    if (!image.isInterpreted)
+        image.setInterpretation(slot.isBool ? qel::QEL_BINARY : m_record.properties[index].assumed);
 }
 
 void Algorithm::prepareOutputs(RunOptions const& options)
@@ -403,6 +416,9 @@ void Algorithm::prepareOutputs(RunOptions const& options)
         m_anyWrapped = m_anyWrapped || m_slots[i].isWrapped;
         if (property.kind->role() == ImageRole::None)
             continue;
+        // It may have been changed since it was given, also by an earlier run.
+        if (m_slots[i].image && !m_slots[i].image->isNew())
+            readCalibration(i);
         if (property.isOutput) {
             onlyOutput = i;
             ++numOfOutputs;

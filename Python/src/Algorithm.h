@@ -116,6 +116,7 @@ private:
     [[noreturn]] void refuse(std::size_t index, std::string const& reason, std::string const& remedy) const;
     void setImage(std::size_t index, py::handle value);
     std::shared_ptr<NumpyImage> imageOver(std::size_t index, py::handle array, bool isWritten, bool& isBool) const;
+    void readCalibration(std::size_t index);
     void prepareOutputs(RunOptions const& options);
     void connectImages();
     void probe();

@@ -214,6 +214,7 @@ PYBIND11_MODULE(_quelide, module)
         .def(py::init<std::string const&>())
         .def("__call__", &Function::call)
         .def("reach", &Function::reach);
+    dtypeOf(qel::QEL_UINT8); // made while no other thread can be here
     defineAlgorithm(module);
     defineMappedFile(module);
     defineObjects(module);

@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include <sys/mman.h>
+
 namespace binding {
 
 namespace {
@@ -328,6 +330,12 @@ bool NumpyImage::reserve(qel::VoxelTypes const& type, unsigned long columns, uns
     for (int axis = dimensions; axis-- > 0;)
         shape.push_back(static_cast<py::ssize_t>(sizes[axis]));
     m_array = py::array(dtypeOf(type), shape);
+    // numpy asks for huge pages. In a very large image each row of a block begins another one, which the system clears
+    // as a whole: a started block then takes half a second, and Ctrl-C with it.
+    if (bytes >= 1ul << 30) {
+        auto const begin = reinterpret_cast<std::uintptr_t>(m_array.data()) & ~std::uintptr_t(4095);
+        madvise(reinterpret_cast<void*>(begin), bytes, MADV_NOHUGEPAGE);
+    }
     m_type = type;
     m_voxelSize = static_cast<long>(qel::memory::sizeOfVoxelType(type));
     takeLayout();

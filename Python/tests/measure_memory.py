@@ -11,6 +11,9 @@ import numpy as np
 import quelide as qel
 
 folder, size, limit = pathlib.Path(sys.argv[1]), int(float(sys.argv[2])), int(float(sys.argv[3]))
+if os.statvfs(folder).f_bavail * os.statvfs(folder).f_frsize < 3.5 * size:
+    print("There is no room on the disk for it.")
+    sys.exit(77)
 columns = rows = 1024 if size >= 1 << 30 else 256
 
 

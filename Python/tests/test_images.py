@@ -179,6 +179,27 @@ def test_images_carry_calibration_through_a_run():
     assert algorithm.run().array[1, 1] > 0
 
 
+def test_in_place_the_calibration_is_that_of_the_input():
+    array = np.zeros((3, 5), np.uint8)
+    image = qel.Image(array, spacing=(3, 2), interpretation="value")
+    out = qel.Image(array)
+    assert qel.MedianFilter2D(image, out=out) is out and out.spacing == (3, 2)
+    algorithm = qel.create("MedianFilter2D")
+    algorithm.output = array
+    algorithm.input = image
+    algorithm.run()
+    image.spacing = 7
+    algorithm.output = fresh = qel.Image(np.empty_like(array))
+    algorithm.run()
+    assert fresh.spacing == (7, 7)  # as it is when the run begins
+    algorithm = qel.create("NonLocalMeanFilter2D")
+    algorithm.input = image
+    algorithm.run()
+    image.interpretation = "label"
+    with pytest.raises(qel.RuleException, match="QEL_LABEL"):
+        algorithm.run()
+
+
 def test_image_checks_what_it_is_given():
     array = np.zeros((3, 4))
     assert qel.Image(array, spacing=2).spacing == (2.0, 2.0)
