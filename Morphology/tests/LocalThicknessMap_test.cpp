@@ -120,6 +120,21 @@ TEST_F(LocalThicknessMapTest, isTheLargestBallThatCoversAVoxel)
     });
 }
 
+TEST_F(LocalThicknessMapTest, decidesOnVoxelsThatLieOnTheSurfacesOfBalls)
+{
+    // Half a spacing of rows is two plans here: balls of the thick slab end at voxels of the thin one, where their
+    // squares are rounded up or down.
+    for (double const plan : {0.5, 0.1, 0.3, 0.35, 0.7, 1.1, 0.013, 3.3})
+        for (unsigned long const thickness : {7ul, 10ul, 13ul}) {
+            Picture<unsigned char> slabs(Shape{9, 9, 20});
+            for (unsigned long z = 2; z < thickness + 5; ++z)
+                for (unsigned long i = 0; i < 81; ++i)
+                    slabs.at(i % 9, i / 9, z) = z != thickness + 2;
+            Spacings const spacings{4 * plan, 4 * plan, plan};
+            EXPECT_TRUE(samePicture(thicknessOf(slabs, spacings), mapOf(slabs, spacings))) << plan;
+        }
+}
+
 TEST_F(LocalThicknessMapTest, isTheSameForThickObjects)
 {
     auto picture = Picture<unsigned char>(Shape{40, 40, 40}, 1);
