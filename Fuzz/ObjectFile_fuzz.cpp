@@ -56,8 +56,8 @@ bool isQuick(TextureClassificationModel const& model)
 memory::InMemoryImage image(bool isLabel)
 {
     memory::InMemoryImage picture;
-    picture.reserve(QEL_UINT8, 9, 6, 3, 1, 1);
-    for (int i = 0; i < 9 * 6 * 3; ++i)
+    picture.reserve(QEL_UINT8, 5, 4, 2, 1, 1);
+    for (int i = 0; i < 5 * 4 * 2; ++i)
         picture.getInternalBuffer()[i] = static_cast<unsigned char>(isLabel ? i % 3 : i * i * 7);
     picture.setInterpretation(isLabel ? QEL_LABEL : QEL_VALUE);
     return picture;
