@@ -319,6 +319,8 @@ std::shared_ptr<NumpyImage> Algorithm::imageOver(std::size_t index, py::handle o
         array = py::module_::import("numpy").attr("asarray")(array);
     }
     auto voxels = py::reinterpret_borrow<py::array>(array);
+    if (typeName(voxels) == "MaskedArray")
+        throw Refusal("its mask would be lost", "give array.filled(...), or the voxels alone: numpy.asarray(array)");
     if (voxels.ndim() < 1 || voxels.ndim() > numOfAxes)
         throw Refusal("an image has one to five axes, and not " + std::to_string(voxels.ndim()));
     if (isWritten && !voxels.writeable())

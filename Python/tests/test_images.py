@@ -121,6 +121,8 @@ def test_refuses_what_is_no_image():
     with pytest.raises(qel.PropertyError, match="numpy array or a quelide.Image") as caught:
         qel.CopyImage([[1, 2], [3, 4]])
     assert "asarray" in caught.value.remedy
+    with pytest.raises(qel.PropertyError, match="mask would be lost"):
+        qel.CopyImage(np.ma.masked_equal(np.zeros((2, 2)), 0))
     constant = np.zeros((2, 2))
     constant.flags.writeable = False
     assert same(qel.CopyImage(constant), constant)

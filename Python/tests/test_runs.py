@@ -231,6 +231,23 @@ def test_progress_moves_a_bar_of_tqdm():
         qel.Threshold(noise(10, 10), progress=7)
 
 
+def test_progress_true_shows_a_bar(capsys):
+    qel.MedianFilter2D(noise(800, 800), 3, progress=True)
+    assert "100%" in capsys.readouterr().err
+
+
+def test_a_small_image_waits_for_nothing():
+    image, out = noise(10, 10), np.empty((10, 10), np.uint8)
+    times = []
+    for _ in range(50):
+        begin = time.perf_counter()
+        for _ in range(20):
+            qel.Threshold(image, 10, 20, out=out)
+        times.append((time.perf_counter() - begin) / 20)
+    # Five microseconds where the machine is idle.
+    assert min(times) < 200e-6
+
+
 def test_what_the_progress_raises_ends_the_run():
     class Enough(Exception):
         pass
