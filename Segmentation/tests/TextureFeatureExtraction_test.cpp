@@ -454,6 +454,16 @@ TYPED_TEST(TextureFeatureExtractionTest, takesRangesFromTheImageWhereTheyAreOpen
     this->extraction->minGreyLevelCooccurrence = 1e6;
     this->extraction->binSizeHistogram = -3.0;
     EXPECT_TRUE(samePicture(automatic, this->template runOn<double>(image)));
+    // A 20th and a 256th, rounded up.
+    Picture<unsigned short> wide = texture<unsigned short>(Shape{9, 7, 3}, 3, 0, 1000);
+    wide.voxels.front() = 0;
+    wide.voxels.back() = 1020;
+    HostImage const levels(wide);
+    this->setRanges(0, -1, 0);
+    Picture<double> const open = this->template runOn<double>(levels);
+    this->setRanges(0, 1020, 51);
+    this->extraction->binSizeHistogram = 4.0;
+    EXPECT_TRUE(samePicture(open, this->template runOn<double>(levels)));
     // Between 0 and 1 there are two bins.
     for (float& voxel : in.voxels)
         voxel = (voxel + 7) / 100;

@@ -48,8 +48,7 @@ void TextureFeatureExtractionPrivate::runSteps()
     rules::Sizes const sizes = rules::sizesOf(*m_input);
     bool const isEmpty = std::find(sizes.begin(), sizes.end(), 0ul) != sizes.end();
     bool const isMeasured = needsExtrema(m_parameters);
-    // An image without voxels has no range.
-    if (!isEmpty && !settleRanges(m_parameters, *m_input, this))
+    if (!settleRanges(m_parameters, *m_input, this))
         return;
     if (isMeasured)
         nextStep();
