@@ -43,13 +43,18 @@ bool isQuick(TextureClassificationModel const& model)
     auto const isSmallOrAbsurd = [](double size, double small, double absurd) {
         return !(size > small) || size >= absurd;
     };
+    // An open range becomes that of the image, in the training.
+    auto const bins = [](double min, double max, double size) { return (min > max ? 255 : max - min) / size; };
     double const cooccurrenceBins =
-        (parameters.maxGreyLevelCooccurrence - parameters.minGreyLevelCooccurrence) / parameters.binSizeCooccurrence;
+        bins(parameters.minGreyLevelCooccurrence, parameters.maxGreyLevelCooccurrence, parameters.binSizeCooccurrence);
     double const histogramBins =
+        bins(parameters.minGreyLevelHistogram, parameters.maxGreyLevelHistogram, parameters.binSizeHistogram);
+    // Application swaps the ends of an open range.
+    double const swappedBins =
         std::abs(parameters.maxGreyLevelHistogram - parameters.minGreyLevelHistogram) / parameters.binSizeHistogram;
-    // Where a bin size is left open, the range of the image settles it.
     return isSmallOrAbsurd(parameters.radius, 4, 1e6) && isSmallOrAbsurd(cooccurrenceBins, 256, 1e6) &&
-           isSmallOrAbsurd(histogramBins, 4096, 1e12) && parameters.getNumOfDirections() <= 16;
+           isSmallOrAbsurd(histogramBins, 4096, 1e12) && isSmallOrAbsurd(swappedBins, 4096, 1e12) &&
+           parameters.getNumOfDirections() <= 16;
 }
 
 /// An image with some texture, and labels for some of it.
