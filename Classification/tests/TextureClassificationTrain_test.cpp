@@ -197,11 +197,14 @@ TEST_F(TrainTest, needsNoSamples)
     EXPECT_TRUE(std::isnan(classifierOf(model).getLearningModel(0).getMeanVector()(0)));
     EXPECT_EQ(classifierOf(model).getClassicationSpaceDimension(), 1);
     EXPECT_TRUE(classifierOf(model).isUsedFeature(0));
-    // What was missing may come later.
+    // No sums are left to which samples could be added: such a model stays without power.
     labels = toImage(someLabels(Shape{24, 12}));
     labels.setInterpretation(QEL_LABEL);
     algorithm->run();
-    EXPECT_GT(classifierOf(model).getPower(0), 0.0);
+    EXPECT_GT(classifierOf(model).getLearningModel(0).getCount(), 0u);
+    EXPECT_TRUE(std::isnan(classifierOf(model).getLearningModel(0).getMeanVector()(0)));
+    EXPECT_EQ(classifierOf(model).getPower(0), -1.0);
+    EXPECT_TRUE(classifierOf(model).isUsedFeature(0));
 }
 
 TEST_F(TrainTest, addsTheSamplesOfASecondRun)

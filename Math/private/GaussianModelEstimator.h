@@ -33,7 +33,8 @@ public:
     void add(VectorType const& sample);
     /// Turns the sums into mean, covariance and inverse. Once is enough.
     void finalize();
-    /// Turns mean and covariance back into the sums of all samples so far, so that others can be added.
+    /// Turns mean and covariance back into the sums of all samples so far, so that others can be added. Without samples
+    /// these are NaN, and stay so whatever is added.
     void reopen();
     /// No samples, nothing but zeros, not finalised.
     void clear();

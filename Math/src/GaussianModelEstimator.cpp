@@ -72,10 +72,6 @@ template <class T> void GaussianModelEstimator<T>::finalize()
 
 template <class T> void GaussianModelEstimator<T>::reopen()
 {
-    if (m_count == 0) {
-        clear(); // NaN times 0 is no sum of no samples
-        return;
-    }
     T const count = static_cast<T>(m_count);
     m_covariance.noalias() += m_mean * m_mean.transpose();
     m_covariance *= count;

@@ -207,11 +207,21 @@ TEST(GaussianModelEstimator, reopensToGoOnWithMoreSamples)
     for (std::size_t n = 50; n < samples.size(); ++n)
         all.add(samples[n]);
     expectModel(finalized(all), samples);
+}
+
+TEST(GaussianModelEstimator, staysNaNWhenItIsReopenedWithoutSamples)
+{
+    auto const samples = someSamples(3, 20, 4);
     Estimator nothing = finalized(Estimator(3));
     nothing.reopen();
+    EXPECT_FALSE(nothing.isFinalized());
     for (auto const& sample : samples)
         nothing.add(sample);
-    expectModel(finalized(nothing), samples);
+    nothing.finalize();
+    EXPECT_EQ(nothing.getCount(), samples.size());
+    EXPECT_TRUE(nothing.getMeanVector().array().isNaN().all());
+    EXPECT_TRUE(nothing.getCovarianceMatrix().array().isNaN().all());
+    EXPECT_TRUE(std::isnan(nothing.getDeterminantTerm()));
 }
 
 TEST(GaussianModelEstimator, clears)

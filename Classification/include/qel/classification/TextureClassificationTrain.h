@@ -20,8 +20,9 @@ class TextureClassificationModel;
 /// `classificationModel`: the model; a second training adds its samples to those of the first, and chooses the features
 /// anew. Where its minimum grey level is above the maximum, the range of `input` is used, and for a bin size of 0 or
 /// less a 20th (co-occurrence) or a 256th (histogram) of the range, rounded up; the model keeps its own values, so that
-/// such a model suits no application. A class without samples is no failure, but then no feature tells the classes. A
-/// run that fails or is cancelled leaves the model as it was. A model has the same bits for every number of threads.
+/// such a model suits no application. A class without samples is no failure, but then no feature tells the classes, and
+/// no later training brings the class back: its mean has become NaN. A run that fails or is cancelled leaves the model
+/// as it was. A model has the same bits for every number of threads.
 ///
 /// Throws RuleException on what is not allowed, InvalidCall on a model without measures or needed directions, on a
 /// direction that is longer than the window and on a label that is negative or beyond the number of classes,
