@@ -1,7 +1,6 @@
 #include "Core/private/LongRows.h"
 
-#include "Core/private/Helper/copyBytes.h"
-
+#include <qel/helper/copyBytes.h>
 #include <qel/memory/InMemoryImage.h>
 
 #include <algorithm>

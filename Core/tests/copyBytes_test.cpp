@@ -1,4 +1,4 @@
-#include "Core/private/Helper/copyBytes.h"
+#include <qel/helper/copyBytes.h>
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 namespace qel::test {
 namespace {
 
-using Copy = void (*)(unsigned char*, unsigned char const*, std::size_t);
+using Copy = void (*)(unsigned char*, unsigned char const*, unsigned long);
 
 class CopyBytesTest : public testing::TestWithParam<Copy>
 {

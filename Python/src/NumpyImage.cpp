@@ -3,6 +3,7 @@
 #include "MappedFile.h"
 
 #include <qel/String.h>
+#include <qel/helper/copyBytes.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -132,6 +133,7 @@ void NumpyImage::takeLayout()
     unsigned char const* begin;
     unsigned char const* end;
     bounds(begin, end);
+    m_isLarge = static_cast<unsigned long>(end - begin) >= qel::helper::largeImage;
     m_file = begin == end ? nullptr : MappedFile::at(begin);
 }
 
@@ -237,7 +239,7 @@ bool NumpyImage::readRowAt(unsigned long numOfVoxels, unsigned char* destination
     long const stride = m_axes[0].stride;
     unsigned long const bytes = numOfVoxels * static_cast<unsigned long>(m_voxelSize);
     if (stride == m_voxelSize)
-        std::memcpy(destination, from, bytes);
+        qel::helper::copyBytes(destination, from, bytes);
     else if (m_voxelSize == 1)
         gather<std::uint8_t>(from, stride, destination, numOfVoxels);
     else if (m_voxelSize == 2)
@@ -260,7 +262,7 @@ bool NumpyImage::writeRowAt(unsigned long numOfVoxels, unsigned char const* sour
     long const stride = m_axes[0].stride;
     unsigned long const bytes = numOfVoxels * static_cast<unsigned long>(m_voxelSize);
     if (stride == m_voxelSize)
-        std::memcpy(to, source, bytes);
+        (m_isLarge ? qel::helper::copyBytesPastCaches : qel::helper::copyBytes)(to, source, bytes);
     else if (m_voxelSize == 1)
         scatter<std::uint8_t>(source, to, stride, numOfVoxels);
     else if (m_voxelSize == 2)

@@ -101,6 +101,7 @@ private:
     int m_numOfDimensions;
     bool m_isNew;
     bool m_isDirect = false; // rows are contiguous and aligned
+    bool m_isLarge = false;  // more than caches hold
     MappedFile* m_file = nullptr;
     std::string m_unit;
     std::string m_timeUnit;

@@ -1,4 +1,4 @@
-#include "Core/private/Helper/copyBytes.h"
+#include <qel/helper/copyBytes.h>
 
 #include <emmintrin.h>
 
@@ -51,7 +51,7 @@ void copyVectors(unsigned char* to, unsigned char const* from, std::size_t count
 
 } // namespace
 
-void copyBytes(unsigned char* to, unsigned char const* from, std::size_t count)
+void copyBytes(unsigned char* to, unsigned char const* from, unsigned long count)
 {
     if (count < shortRange || !areApart(to, from, count))
         std::memmove(to, from, count);
@@ -59,7 +59,7 @@ void copyBytes(unsigned char* to, unsigned char const* from, std::size_t count)
         copyVectors(to, from, count, [](__m128i* target, __m128i value) { _mm_store_si128(target, value); });
 }
 
-void copyBytesPastCaches(unsigned char* to, unsigned char const* from, std::size_t count)
+void copyBytesPastCaches(unsigned char* to, unsigned char const* from, unsigned long count)
 {
     if (shortRange == SIZE_MAX || count < shortPastCaches || !areApart(to, from, count))
         return copyBytes(to, from, count);

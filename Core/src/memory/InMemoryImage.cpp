@@ -1,6 +1,6 @@
 #include <qel/memory/InMemoryImage.h>
 
-#include "Core/private/Helper/copyBytes.h"
+#include <qel/helper/copyBytes.h>
 
 #include <algorithm>
 #include <cstring>
