@@ -82,7 +82,12 @@ Watcher& watcher()
     static Watcher& only = []() -> Watcher& {
         auto& made = *new (place) Watcher;
         // A child process has none of the threads, and maybe a lock that nobody gives back.
-        pthread_atfork(nullptr, nullptr, [] { new (place) Watcher; });
+        pthread_atfork(nullptr, nullptr, [] {
+            auto& old = *std::launder(reinterpret_cast<Watcher*>(place));
+            if (old.interruptible.load())
+                sigaction(SIGINT, &old.before, nullptr);
+            new (place) Watcher;
+        });
         return made;
     }();
     return only;

@@ -299,3 +299,31 @@ def test_runs_after_a_fork():
     os.kill(child, signal.SIGKILL)
     os.waitpid(child, 0)
     pytest.fail("hangs after a fork")
+
+
+def test_a_child_that_is_forked_during_a_run_keeps_the_handler_of_python():
+    child = in_child("""
+        import os, signal, threading, time
+        import numpy as np
+        import quelide as qel
+        image = np.random.default_rng(0).integers(0, 255, (900, 900)).astype("uint8")
+        statuses = []
+        def fork():
+            time.sleep(0.1)
+            child = os.fork()
+            if child == 0:
+                try:
+                    os.kill(os.getpid(), signal.SIGINT)
+                    time.sleep(5)
+                except KeyboardInterrupt:
+                    os._exit(3)
+                os._exit(4)
+            statuses.append(os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]))
+        thread = threading.Thread(target=fork)
+        thread.start()
+        qel.NonLocalMeanFilter2D(image, 3, 12, 3.0)
+        thread.join()
+        print(*statuses)
+    """)
+    out, err = child.communicate(timeout=120)
+    assert out.split() == ["3"], err
