@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -297,16 +298,47 @@ void transpose(Matrix<double> const& from, Matrix<double>& to)
             to(column, row) = from(row, column);
 }
 
+/// The algorithm squares elements. Where squares would overflow or vanish, divides all by a power of two, which changes
+/// no digit, and gives its exponent. What is below any rounding of the greatest element by far becomes 0. Throws where
+/// an element is no finite number.
+int makeSquarable(Matrix<double>& u)
+{
+    constexpr double tiny = 0x1p-300;
+    double largest = 0;
+    double smallest = std::numeric_limits<double>::max();
+    auto const forEach = [&u](auto const& function) {
+        for (std::size_t i = 0; i < u.numOfRows(); ++i)
+            std::for_each(u[i], u[i] + u.numOfColumns(), function);
+    };
+    forEach([&](double element) {
+        if (!std::isfinite(element))
+            QEL_THROW(RuntimeError, "no convergence in 30 Singular Value Decomposition iterations");
+        largest = std::max(largest, std::abs(element));
+        if (element != 0)
+            smallest = std::min(smallest, std::abs(element));
+    });
+    if (largest < 1 / tiny && smallest > tiny)
+        return 0;
+    int const exponent = largest > 0 ? std::ilogb(largest) : 0;
+    forEach([exponent](double& element) {
+        element = std::scalbn(element, -exponent);
+        if (std::abs(element) < tiny)
+            element = 0;
+    });
+    return exponent;
+}
+
 /// U and V are left transposed.
 void decomposeTransposed(Matrix<double>& u, Vector<double>& w, Matrix<double>& v)
 {
     std::size_t const n = u.numOfRows();
-    for (std::size_t i = 0; i < n; ++i)
-        if (!std::all_of(u[i], u[i] + u.numOfColumns(), [](double element) { return std::isfinite(element); }))
-            QEL_THROW(RuntimeError, "no convergence in 30 Singular Value Decomposition iterations");
+    int const exponent = makeSquarable(u);
     w.assign(n);
     v.assign(n, n);
     Decomposition(u, w, v).run();
+    if (exponent != 0)
+        for (std::size_t i = 0; i < n; ++i)
+            w[i] = std::scalbn(w[i], exponent);
 }
 
 } // namespace

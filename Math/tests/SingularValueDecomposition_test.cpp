@@ -123,6 +123,36 @@ TEST(SingularValueDecomposition, givesFactorsOfDiagonalAndOfFarScaledMatrices)
     expectDecomposed(randomMatrix(5, 5, 4, 1e-160));
 }
 
+TEST(SingularValueDecomposition, givesFactorsWhereSquaresOverflowOrVanish)
+{
+    // A power of two changes no digit.
+    Matrix<double> const matrix = randomMatrix(7, 5, 9);
+    Matrix<double> u = matrix, v;
+    math::Vector<double> w;
+    math::singularValueDecomposition(u, w, v);
+    for (int exponent : {-600, -900, -301, 299, 305, 600, 1020}) {
+        SCOPED_TRACE(exponent);
+        Matrix<double> scaledU = matrix, scaledV;
+        math::Vector<double> scaledW;
+        for (std::size_t i = 0; i < 7; ++i)
+            for (std::size_t j = 0; j < 5; ++j)
+                scaledU(i, j) = std::scalbn(matrix(i, j), exponent);
+        math::singularValueDecomposition(scaledU, scaledW, scaledV);
+        EXPECT_EQ(toEigen(scaledU), toEigen(u));
+        EXPECT_EQ(toEigen(scaledV), toEigen(v));
+        for (std::size_t i = 0; i < 5; ++i)
+            EXPECT_EQ(scaledW[i], std::scalbn(w[i], exponent));
+    }
+    // Numbers of few digits, and numbers beside which others are nothing.
+    expectDecomposed(randomMatrix(4, 3, 5, 1e-320));
+    Matrix<double> mixed = randomMatrix(8, 3, 6);
+    for (double const small : {1e-310, 1e-320, 5e-324}) {
+        for (std::size_t i = 0; i < 8; ++i)
+            mixed(i, 1) = small * static_cast<double>(1 + i % 3);
+        expectDecomposed(mixed);
+    }
+}
+
 TEST(SingularValueDecomposition, refusesWideMatricesAndElementsThatAreNoNumbers)
 {
     math::Vector<double> w;
