@@ -275,11 +275,22 @@ void CenterLineProcessor::addLine(std::vector<std::size_t> const& way)
         }
 }
 
+/// Whether two vertices have the same coordinates. What is no number stays none.
+static bool isSamePlace(math::Vector3<double> const& a, math::Vector3<double> const& b)
+{
+    for (unsigned int axis = 0; axis < 3; ++axis)
+        if (a[axis] != b[axis] && !(std::isnan(a[axis]) && std::isnan(b[axis])))
+            return false;
+    return true;
+}
+
 /// Rounds that change nothing are not repeated. False where the run was cancelled.
 bool CenterLineProcessor::smooth()
 {
     std::vector<math::Vector3<double>> before;
-    for (unsigned int round = 0; round < m_settings.smoothingIteration && before != m_coords; ++round) {
+    for (unsigned int round = 0; round < m_settings.smoothingIteration; ++round) {
+        if (std::equal(before.begin(), before.end(), m_coords.begin(), m_coords.end(), isSamePlace))
+            return true;
         if (m_running.isCancelled())
             return false;
         before = m_coords;

@@ -223,8 +223,8 @@ private:
             mask->input = &m_input;
             mask->inputBinary = &lines;
             mask->output = m_algorithm.outputImage;
-            runChild(mask);
-            m_algorithm.outputImage.get()->setInterpretation(m_input.getInterpretation());
+            if (runChild(mask))
+                m_algorithm.outputImage.get()->setInterpretation(m_input.getInterpretation());
         }
     }
 

@@ -598,6 +598,32 @@ TEST_F(CenterLine3DTest, endsWithSpacingsThatMakeNoSense)
         }
 }
 
+TEST_F(CenterLine3DTest, endsWithOriginsThatAreNoNumbers)
+{
+    auto const picture = scene<unsigned char>(Shape{19, 18, 9}, 8, 3);
+    run(picture, QEL_LABEL);
+    std::vector<unsigned long> const indices = indicesOf(lines);
+    ASSERT_FALSE(indices.empty());
+    for (double const bad : {std::nan(""), -std::numeric_limits<double>::infinity()}) {
+        HostImage in(picture);
+        in.setInterpretation(QEL_LABEL);
+        CenterLineParameters parameters;
+        parameters.origins = {bad, 1, 2};
+        parameters.smoothingIteration = std::numeric_limits<unsigned int>::max(); // for minutes, if all were done
+        calibrate(in, parameters);
+        set(parameters);
+        algorithm->input = &in;
+        algorithm->outputImage = &image;
+        algorithm->outputLineSet = &lines;
+        algorithm->run();
+        EXPECT_EQ(indicesOf(lines), indices);
+        for (Point const& p : lines.getCoords()) {
+            EXPECT_FALSE(std::isfinite(p[0]));
+            EXPECT_TRUE(std::isfinite(p[1]) && std::isfinite(p[2]));
+        }
+    }
+}
+
 TEST_F(CenterLine3DTest, takesManyLabelsInOnePass)
 {
     // A rod for each label: time grows with the voxels, not with their product with the labels.
@@ -647,6 +673,54 @@ TEST_F(CenterLine3DTest, progressesAndCanBeCancelled)
             EXPECT_EQ(untouched.sizes(), in.sizes());
         }
     }
+}
+
+TEST_F(CenterLine3DTest, keepsTheLinesOfObjectsThatWereDoneBeforeItWasCancelled)
+{
+    // A rod for each of many labels.
+    Picture<unsigned short> picture(Shape{48, 84, 84});
+    unsigned short label = 0;
+    for (unsigned long plan = 2; plan + 2 < 84; plan += 3)
+        for (unsigned long row = 2; row + 2 < 84; row += 3) {
+            ++label;
+            for (unsigned long column = 2; column < 46; ++column)
+                picture.at(column, row, plan) = label;
+        }
+    run(picture, QEL_LABEL);
+    std::vector<unsigned long> const all = indicesOf(lines);
+    ASSERT_EQ(runsOf(lines).size(), label);
+
+    // Cancels when the lines of some objects are there: the seventh of eight steps.
+    class Impatient final : public algorithms::InteractionInterface
+    {
+    public:
+        void updateProgress(double percent) override { last = percent; }
+        bool isCancelRequested() override { return last > 76; }
+        unsigned short getProgressPeriod() override { return 1; }
+        unsigned short getCancelPeriod() override { return 1; }
+
+        std::atomic<double> last = 0;
+    };
+    HostImage in(picture);
+    in.setInterpretation(QEL_LABEL);
+    algorithm->input = &in;
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        HostImage untouched(QEL_UINT8, {1, 1, 1});
+        algorithm->outputImage = &untouched;
+        Impatient impatient;
+        algorithm->run(&impatient);
+        EXPECT_TRUE(isAtRest(*algorithm));
+        std::vector<unsigned long> const some = indicesOf(lines);
+        ASSERT_LE(some.size(), all.size());
+        EXPECT_TRUE(std::equal(some.begin(), some.end(), all.begin()));
+        EXPECT_EQ(some.empty(), lines.getCoords().empty());
+        if (some.empty() || some.size() == all.size())
+            continue;                                      // too early, or too late
+        EXPECT_EQ(runsOf(lines).size() * 45, some.size()); // whole lines
+        EXPECT_EQ(untouched.sizes(), HostImage(QEL_UINT8, {1, 1, 1}).sizes());
+        return;
+    }
+    FAIL() << "it was never cancelled between two objects";
 }
 
 TEST_F(CenterLine3DTest, reportsImagesThatFail)

@@ -30,7 +30,8 @@ namespace qel::geometry {
 /// coordinates: index times spacing, plus origin. Each line is followed by LineSet3D::stop. A line starts at the end
 /// that is far away; a branch ends with the vertex of its junction. An object of one voxel has no line.
 ///
-/// A cancelled run leaves the image as it was, and in the line set the objects that were done.
+/// A cancelled run leaves in the line set the objects that were done, and the image as it was, unless that was being
+/// written.
 ///
 /// Throws RuleException when something is missing, of another type or interpretation, or out of range, and
 /// UnexpectedError when the available memory does not hold the smoothing kernel.
