@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <random>
 
 using namespace qel;
@@ -502,6 +504,25 @@ TEST(ShapeBasedMatching2D, passesOverGradientsThatAreNoNumbers)
     scene.x = Picture<double>(scene.x.shape, std::numeric_limits<double>::infinity());
     scene.settings.numOfLevel = 1;
     EXPECT_TRUE(same({0, 0, 0, 0}, found(scene)));
+}
+
+TEST(ShapeBasedMatching2D, countsNothingWhereATemplatesOddGradientMeetsNone)
+{
+    // Both templates lie in an image that is flat around, and their odd voxels outside of what is there.
+    Picture<double> image(Shape{60, 50});
+    Picture<double> const object = blobs(12, 12, 22);
+    forEachVoxel(object.shape, [&](auto x, auto y, auto, auto, auto) { image.at(x + 30, y + 20) = object.at(x, y); });
+    double const infinity = std::numeric_limits<double>::infinity();
+    for (auto const& bad : {std::array<double, 2>{std::nan(""), 0}, {1, std::nan("")}, {infinity, 1}, {0, -infinity}})
+        for (bool const absolute : {false, true}) {
+            Scene<double> scene = planted<double>(image, {24, 22}, 25, 14, 1, 0);
+            scene.tx.at(1, 20) = bad[0];
+            scene.ty.at(1, 20) = bad[1];
+            scene.settings = {1, absolute, 0, 180, 90, 0.5, 1, 0.5};
+            EXPECT_TRUE(same(scene.direct(), found(scene)));
+            if (std::isnan(bad[0]) || std::isnan(bad[1])) // any other place has a number only beside the object
+                EXPECT_NEAR(found(scene).tx, 25, 1);
+        }
 }
 
 // ---- Rules and errors

@@ -26,4 +26,8 @@ constexpr std::size_t termsAtOnce = 32;
 bool scorePositions(double const* x, double const* y, Term const* terms, std::size_t numOfTerms,
                     double const* reachable, double limit, bool absolute, double* scores);
 
+/// The same, for terms that may be infinite or no numbers: they count nothing where there is no gradient, in which 0
+/// times them would not do. Gives up no position.
+void scoreOddTerms(double const* x, double const* y, Term const* terms, std::size_t numOfTerms, double* scores);
+
 } // namespace qel::registration

@@ -3,6 +3,7 @@
 #include "Registration/private/ShapeBasedMatching/ScoreKernel.h"
 #include "Registration/private/ShapeBasedMatching/Shape.h"
 
+#include <cmath>
 #include <vector>
 
 namespace qel::registration {
@@ -49,6 +50,8 @@ public:
 
     /// More than the roundings of a sum can amount to.
     double margin() const { return m_margin; }
+    /// Whether a term is infinite or no number.
+    bool areOdd() const { return !std::isfinite(m_margin); }
 
 private:
     struct Row

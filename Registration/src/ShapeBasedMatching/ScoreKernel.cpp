@@ -52,4 +52,18 @@ bool scorePositions(double const* x, double const* y, Term const* terms, std::si
     return true;
 }
 
+void scoreOddTerms(double const* x, double const* y, Term const* terms, std::size_t numOfTerms, double* scores)
+{
+    for (std::size_t position = 0; position < positionsAtOnce; ++position) {
+        double sum = 0;
+        for (std::size_t i = 0; i < numOfTerms; ++i) {
+            double const atX = x[static_cast<long>(position) + terms[i].offset];
+            double const atY = y[static_cast<long>(position) + terms[i].offset];
+            if (atX != 0 || atY != 0)
+                sum += atX * terms[i].x + atY * terms[i].y;
+        }
+        scores[position] = sum;
+    }
+}
+
 } // namespace qel::registration

@@ -79,8 +79,10 @@ Match searchRows(GradientField const& field, Window const& window, long rowsBegi
     for (long row = rowsBegin; row < rowsEnd; ++row) {
         ShapeTerms::List const list = terms.at(row, field.rowsBegin(), field.rowsEnd());
         for (long col = window.colsBegin; col < window.colsEnd; col += static_cast<long>(positionsAtOnce)) {
-            if (!scorePositions(field.x(col, row), field.y(col, row), list.terms, list.count, list.reachable,
-                                limit.get() - terms.margin(), absolute, scores))
+            if (terms.areOdd())
+                scoreOddTerms(field.x(col, row), field.y(col, row), list.terms, list.count, scores);
+            else if (!scorePositions(field.x(col, row), field.y(col, row), list.terms, list.count, list.reachable,
+                                     limit.get() - terms.margin(), absolute, scores))
                 continue;
             long const count = std::min(window.colsEnd - col, static_cast<long>(positionsAtOnce));
             for (long i = 0; i < count; ++i) {
