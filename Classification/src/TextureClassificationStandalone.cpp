@@ -2,8 +2,11 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/Rules/RuleKeepInputSize.h"
 
 #include <qel/EnumInfo.h>
+
+#include <boost/make_shared.hpp>
 
 namespace qel::classification {
 
@@ -35,8 +38,12 @@ void TextureClassificationStandalone::init()
     addInput(&rejection);
     declare(rejection, "rejection", 3.0, AddRuleLimitedValue(1, LIMIT_GREATER));
     addOutput(&classifiedImage);
+    // Of labels only columns, rows, plans and time series are those of the input.
+    auto const keepSizeOfLabels = [this](Property<ImageModel*>& property) {
+        pushRule<ImageModel*>(property, boost::make_shared<RuleKeepInputSize>(&labelImg, &input));
+    };
     declare(classifiedImage, "classifiedImage", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, QEL_UINT16),
-            AddRuleKeepInputType(&labelImg, QEL_UINT16), AddRuleSetInterpretation(QEL_LABEL),
+            AddRuleKeepInputType(&labelImg, QEL_UINT16), keepSizeOfLabels, AddRuleSetInterpretation(QEL_LABEL),
             AddRuleEnforceType(QEL_UINT16), AddRuleEnforceSameSizeAndCalibration(&input));
     addOutput(&classificationDetails);
     declare(classificationDetails, "classificationDetails", "");

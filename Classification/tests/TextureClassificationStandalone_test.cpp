@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Classification/private/textonDirections.h"
 #include "Classification/tests/TextureSupport.h"
 
 #include <qel/classification/TextureClassificationApply.h>
@@ -102,6 +103,107 @@ TEST_F(StandaloneTest, doesWhatItsStepsDoWithASettledRange)
     apply->run();
     EXPECT_TRUE(samePicture(fromImage<unsigned short>(expected), output));
     EXPECT_EQ(output.getInterpretation(), QEL_LABEL);
+}
+
+TEST_F(StandaloneTest, takesTimeSeriesOfImagesThatGiveNoRows)
+{
+    Shape const shape{21, 12, 4, 2};
+    auto const picture = twoTextures<float>(shape);
+    for (TextonShape const texton : {SPHERE, BALL})
+        for (ComputeMode const mode : {MODE_2D, MODE_3D}) {
+            HostImage const image(picture);
+            HostImage labels(someLabels<int>(shape));
+            HostImage classified;
+            connect(image, labels, classified);
+            algorithm->computeMode = mode;
+            algorithm->usedMeasures = mode == MODE_2D ? 3 : 2; // of so many directions in space few summaries
+            algorithm->textonShape = texton;
+            algorithm->textonSize = 2;
+            algorithm->run();
+
+            auto const [low, high] = std::minmax_element(picture.voxels.begin(), picture.voxels.end());
+            Model const model = createdModel([&, l = *low, h = *high](TextureClassificationCreate& create) {
+                TextureFeatureGroup measures;
+                for (int const m : measuresIn(details()))
+                    measures.push_back(static_cast<TextureFeatureTypes>(m));
+                create.computeMode = mode;
+                create.textureFeaturesGroup = measures;
+                create.minGreyLevelCooccurrence = l;
+                create.maxGreyLevelCooccurrence = h;
+                create.binSizeCooccurrence = std::ceil((h - l) / 20.0);
+                create.minGreyLevelHistogram = 0.0;
+                create.maxGreyLevelHistogram = -1.0;
+                create.binSizeHistogram = -1.0;
+                create.direction2DCollection = textonDirections2D(texton, 2, 2);
+                create.direction3DCollection = textonDirections3D(texton, 2, 2);
+            });
+            train(model, image, labels);
+            EXPECT_STREQ(details().c_str(), model->getInfo().c_str());
+            memory::InMemoryImage expected;
+            Ref<TextureClassificationApply> apply(TextureClassificationApply::New());
+            apply->input = &image;
+            apply->classificationModel = model.get();
+            apply->classifiedImage = &expected;
+            apply->run();
+            EXPECT_TRUE(samePicture(fromImage<unsigned short>(expected), classified));
+        }
+}
+
+TEST_F(StandaloneTest, reportsImagesThatFailInAnyOfItsSteps)
+{
+    Shape const shape{20, 12};
+    HostImage image(twoTextures<unsigned char>(shape));
+    HostImage labels(someLabels(shape));
+    HostImage classified;
+    connect(image, labels, classified);
+    algorithm->run();
+    auto const expected = fromImage<unsigned short>(classified);
+    std::string const report = details();
+    for (auto const& [failing, operation] :
+         {std::pair(&image, READ_ROW), std::pair(&labels, READ_ROW), std::pair(&classified, WRITE_ROW)}) {
+        failing->forgetCalls();
+        algorithm->run();
+        unsigned long const count = failing->callsOf(operation);
+        for (unsigned long after = 0; after < count; after += 7) {
+            std::string const call = operation == READ_ROW ? "readRowAt" : "writeRowAt";
+            failing->forgetCalls();
+            failing->failOn(operation, after);
+            EXPECT_QEL_THROW(algorithm->run(), UnexpectedError,
+                             "Error in " + call + " implementation, return value is false");
+            EXPECT_TRUE(isAtRest(*algorithm));
+            failing->behave();
+            failing->forgetCalls();
+            failing->throwOn(operation, after);
+            EXPECT_THROW(algorithm->run(), UnexpectedError);
+            EXPECT_TRUE(isAtRest(*algorithm));
+            failing->behave();
+        }
+        algorithm->run();
+        EXPECT_TRUE(samePicture(expected, classified));
+        EXPECT_EQ(details(), report);
+    }
+}
+
+TEST_F(StandaloneTest, stopsWhileItApplies)
+{
+    ObservedImage image(twoTextures<unsigned char>(Shape{64, 2000}));
+    auto labels = toImage(someLabels(Shape{64, 2000}));
+    HostImage out;
+    connect(image, labels, out);
+    algorithm->run();
+    unsigned long const all = image.callsOf(READ_ROW);
+    algorithm->classificationDetails = String("before");
+    image.forgetCalls();
+    out.forgetCalls();
+    image.onRead = [&] {
+        if (image.callsOf(READ_ROW) + 1500 > all)
+            algorithm->cancelExecution();
+    };
+    algorithm->run();
+    EXPECT_TRUE(isAtRest(*algorithm));
+    EXPECT_GT(out.callsOf(WRITE_ROW), 0u);
+    EXPECT_LT(out.callsOf(WRITE_ROW), 2000u);
+    EXPECT_EQ(details(), "before");
 }
 
 TEST_F(StandaloneTest, choosesMeasuresByBits)
@@ -247,6 +349,25 @@ TEST_F(StandaloneTest, worksInPlaceOverItsLabelsAndOverItsInput)
     connect(image, labels, labels);
     EXPECT_QEL_THROW(algorithm->run(), RuleException,
                      "The parameter \"labelImg\" cannot be used as output image if it must be retyped.");
+}
+
+TEST_F(StandaloneTest, keepsLabelsThatWouldHaveToBeResized)
+{
+    Shape const shape{20, 12};
+    auto const image = toImage(twoTextures<unsigned short>(shape));
+    auto const picture = someLabels<unsigned short>(Shape{20, 12, 1, 1, 2});
+    auto both = toImage(picture);
+    connect(image, both, both);
+    EXPECT_QEL_THROW(algorithm->run(), RuleException,
+                     "The parameter \"labelImg\" cannot be used as output image if it must be resized.");
+    EXPECT_TRUE(samePicture(picture, both));
+    auto labels = toImage(someLabels<unsigned short>(shape));
+    connect(image, labels, output);
+    algorithm->run();
+    auto const expected = fromImage<unsigned short>(output);
+    connect(image, both, output); // the second series is of no interest
+    algorithm->run();
+    EXPECT_TRUE(samePicture(expected, output));
 }
 
 TEST_F(StandaloneTest, refusesBadProperties)

@@ -218,6 +218,42 @@ TEST_F(TrainTest, addsTheSamplesOfASecondRun)
     EXPECT_TRUE(classifierOf(model).getLearningModel(0).getMeanVector().isApprox(mean, 1e-12));
 }
 
+TEST_F(TrainTest, goesOnWithAModelThatWasRead)
+{
+    connect();
+    algorithm->run();
+    TemporaryFolder const folder;
+    std::string const path = folder / "model";
+    model->write(path.c_str(), BINARY, false);
+    TextureClassificationModel read;
+    read.read(path.c_str());
+    algorithm->run();
+    algorithm->classificationModel = &read;
+    algorithm->run();
+    read.write(path.c_str(), BINARY, true);
+    EXPECT_TRUE(readFile(path) == fileOf(model));
+}
+
+TEST_F(TrainTest, takesTheFirstOfSeveralSpectralSeriesOfLabels)
+{
+    for (ComputeMode const mode : {MODE_2D, MODE_3D}) {
+        auto const ofMode = [mode](TextureClassificationCreate& create) { create.computeMode = mode; };
+        Shape const shape{24, 12, 3, 2};
+        auto const times = toImage(twoTextures<unsigned char>(shape));
+        auto plain = toImage(someLabels(shape));
+        Model const expected = createdModel(ofMode);
+        train(expected, times, plain);
+        Picture<unsigned char> picture(Shape{24, 12, 3, 2, 2});
+        forEachVoxel(picture.shape, [&](auto c, auto r, auto p, auto t, auto s) {
+            picture.at(c, r, p, t, s) = s == 0 ? someLabels(shape).at(c, r, p, t) : 200; // no label that is allowed
+        });
+        auto several = toImage(picture);
+        Model const trained = createdModel(ofMode);
+        train(trained, times, several);
+        EXPECT_TRUE(fileOf(trained) == fileOf(expected));
+    }
+}
+
 TEST_F(TrainTest, isAlwaysCompleted)
 {
     connect();

@@ -20,7 +20,8 @@ namespace qel::classification {
 /// co-occurrence and 256 for histograms, of whole numbers.
 ///
 /// `classifiedImage`: takes sizes, spacing and origin of `input`, and becomes a label image of QEL_UINT16. It may be
-/// `labelImg` or `input`, if that has this type. `classificationDetails`: the report of the model that was used.
+/// `labelImg` or `input`, if that has this type and one spectral series. `classificationDetails`: the report of the
+/// model that was used.
 ///
 /// Throws RuleException on what is not allowed, InvalidCall "No label defined in label image.", and what training and
 /// application throw.
