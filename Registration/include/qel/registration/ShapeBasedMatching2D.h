@@ -17,6 +17,9 @@ namespace qel::registration {
 /// templates of inverted contrast, too. The first of equal scores wins: lower scales, lower rotations, then the order
 /// of voxels.
 ///
+/// A gradient of the image that is no number counts as none. Where an infinite one lies under a point, or where a
+/// point's own gradient is no number and meets one, the position has no score.
+///
 /// `rotationBegin` (default 0), `rotationEnd` (360), `rotationStep` (10): degrees, from the X axis towards the Y axis.
 /// `scaleBegin` (0.5), `scaleEnd` (1.8), `scaleStep` (0.1). `numOfLevel` (0 to 10, default 4): levels of a pyramid, of
 /// which the coarsest is searched whole, and each further one within 5 voxels of what was found; all rotations and
