@@ -16,8 +16,9 @@ namespace qel::segmentation {
 /// levels, not of bins: (log b + H) b for a bin size of b.
 ///
 /// `input`: any of the ten real voxel types, any five sizes; outside of the image voxels are those of its mirror image.
-/// `radius` (voxels, default 5, above 0): the disk has the voxels nearer than radius + 1/2. `textureFeaturesGroup`: at
-/// least one measure, in the order of the channels; of a measure that stands twice, the first channels are 0.
+/// `radius` r (voxels, default 5, above 0): the disk has the voxels whose squared distance is below r (r + 1).
+/// `textureFeaturesGroup`: at least one measure, in the order of the channels; of a measure that stands twice, the
+/// first channels are 0.
 /// `minGreyLevelCooccurrence`, `maxGreyLevelCooccurrence` (defaults 0 and -1): the range of the bins, beyond which
 /// levels count in the first and the last bin; with the minimum above the maximum, that of the image.
 /// `binSizeCooccurrence` (default 0): how many levels a bin has; 0 or less is a 20th of the range, rounded up to a
@@ -25,10 +26,10 @@ namespace qel::segmentation {
 /// most. `directionCollection`: steps in voxels (columns, rows), at least one where co-occurrence is measured.
 /// `minGreyLevelHistogram`, `maxGreyLevelHistogram`, `binSizeHistogram` (defaults 0, -1 and 0): the same for
 /// histograms, where levels beyond the range do not count, and the bin size is a 256th of the range.
-/// `userQuantileRatioHistogram` (default six times -1): the ratios of HISTO_QuantileR1 to HISTO_QuantileR6. `output`:
-/// of a real voxel type. It is resized to columns, rows and plans of `input`, one spectral series, and a time series
-/// for each channel: that of channel c, of C, for the time series t and the spectral series s, of S, of the input is (t
-/// S + s) C + c. It may be `input` itself.
+/// `userQuantileRatioHistogram` (default six times -1, which gives the centre of the first bin): the ratios of
+/// HISTO_QuantileR1 to HISTO_QuantileR6. `output`: of QEL_FLOAT32 or QEL_FLOAT64. It is resized to columns, rows and
+/// plans of `input`, one spectral series, and a time series for each channel: that of channel c, of C, for the time
+/// series t and the spectral series s, of S, of the input is (t S + s) C + c. It may be `input` itself.
 ///
 /// Throws RuleException when an image is missing or of another type, there is no measure, the radius is 0, there are
 /// not six ratios, or the output refuses its size; InvalidCall when a number of the list is no measure, there is no

@@ -38,7 +38,7 @@ enum QEL_API TextureFeatureTypes : int
     COOC_InverseDifferenceMomentMean,
     COOC_InverseDifferenceMomentStddev,
     COOC_InverseDifferenceMomentRange,
-    COOC_SumAverage, ///< mean of the sum of the levels of a pair
+    COOC_SumAverage, ///< mean sum of the bins of a pair, times the squared bin size, and twice the minimum
     COOC_SumAverageMean,
     COOC_SumAverageStddev,
     COOC_SumAverageRange,
