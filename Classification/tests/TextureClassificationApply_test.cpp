@@ -302,6 +302,49 @@ TEST_F(ApplyTest, findsNoRangeByItself)
     });
 }
 
+TEST_F(ApplyTest, findsNoRangeOfHistogramsByItself)
+{
+    Shape const shape{40, 24};
+    auto image = toImage(twoTextures<unsigned char>(shape, 7));
+    auto labels = toImage(someLabels(shape));
+    memory::InMemoryImage output;
+    // An open range has no bins, or is turned round.
+    for (auto const& [binSize, text] : {std::pair(0.0, "The histogram isn't correctly initialized."),
+                                        std::pair(1.0, "The histogram is empty: impossible to compute a measure.")}) {
+        Model const model = createdModel([size = binSize](TextureClassificationCreate& create) {
+            create.textureFeaturesGroup = vectorOf({HISTO_Mean});
+            create.maxGreyLevelHistogram = -1.0;
+            create.binSizeHistogram = size;
+        });
+        train(model, image, labels);
+        connect(image, output, model);
+        onOneAndFourThreads([&] {
+            EXPECT_QEL_THROW(algorithm->run(), InvalidCall, text);
+            EXPECT_TRUE(isAtRest(*algorithm));
+        });
+    }
+}
+
+TEST_F(ApplyTest, refusesAWindowWithoutVoxels)
+{
+    // No one can create such a model, but a file may hold it.
+    Shape const shape{40, 24};
+    auto image = toImage(twoTextures<unsigned char>(shape, 7));
+    auto labels = toImage(someLabels(shape));
+    memory::InMemoryImage output;
+    for (TextureFeatureTypes const measure : {HISTO_Mean, COOC_Contrast}) {
+        Model const model = createdModel(
+            [measure](TextureClassificationCreate& create) { create.textureFeaturesGroup = vectorOf({measure}); });
+        train(model, image, labels);
+        model->getPrivate()->radius = 0;
+        std::string const text = measure == HISTO_Mean ? "The histogram is empty: impossible to compute a measure."
+                                                       : "The <1; 0> direction is imcompatible with the radius.";
+        connect(image, output, model);
+        EXPECT_QEL_THROW(algorithm->run(), InvalidCall, text);
+        EXPECT_QEL_THROW(train(model, image, labels), InvalidCall, text);
+    }
+}
+
 TEST_F(ApplyTest, refusesBadProperties)
 {
     auto image = toImage(twoTextures<unsigned char>(Shape{20, 12}));
