@@ -520,8 +520,9 @@ TEST(ShapeBasedMatching2D, countsNothingWhereATemplatesOddGradientMeetsNone)
             scene.ty.at(1, 20) = bad[1];
             scene.settings = {1, absolute, 0, 180, 90, 0.5, 1, 0.5};
             EXPECT_TRUE(same(scene.direct(), found(scene)));
-            if (std::isnan(bad[0]) || std::isnan(bad[1])) // any other place has a number only beside the object
+            if (std::isnan(bad[0]) || std::isnan(bad[1])) { // any other place has a number only beside the object
                 EXPECT_NEAR(found(scene).tx, 25, 1);
+            }
         }
 }
 
