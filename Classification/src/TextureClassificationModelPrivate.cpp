@@ -124,16 +124,18 @@ void TextureClassificationModelPrivate::serialize(Archive& archive, [[maybe_unus
                 throw archive::Corrupted();
     };
 
+    // Writing stores nothing here: others may use the model at the same time.
+    unsigned char mode = MODE_2D;
     if (version == 1) {
         if (!Archive::isReading && computeMode != MODE_2D)
             QEL_THROW(SerializationException, "TextureClassificationModel version 1 supports only 2D mode.");
-        computeMode = MODE_2D;
     } else {
-        unsigned char mode = static_cast<unsigned char>(computeMode);
+        mode = static_cast<unsigned char>(computeMode);
         serialization::serialize(archive, mode);
         check(mode <= MODE_3D);
-        computeMode = static_cast<ComputeMode>(mode);
     }
+    if constexpr (Archive::isReading)
+        computeMode = static_cast<ComputeMode>(mode);
     serialization::serialize(archive, numOfClasses);
     check(numOfClasses >= 0);
     serialization::serialize(archive, radius);
@@ -149,7 +151,8 @@ void TextureClassificationModelPrivate::serialize(Archive& archive, [[maybe_unus
         unsigned short value = static_cast<unsigned short>(measure);
         serialization::serialize(archive, value);
         check(value <= segmentation::HISTO_LastMeasure);
-        measure = static_cast<TextureFeatureTypes>(value);
+        if constexpr (Archive::isReading)
+            measure = static_cast<TextureFeatureTypes>(value);
         usesRatios = usesRatios || value >= segmentation::HISTO_QuantileR1;
     }
 

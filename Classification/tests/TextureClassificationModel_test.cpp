@@ -21,6 +21,7 @@
 #include <limits>
 #include <memory>
 #include <sstream>
+#include <thread>
 
 using namespace qel;
 using namespace qel::classification;
@@ -334,6 +335,23 @@ TEST_F(ModelFiles, surviveARoundTrip)
                 EXPECT_EQ(copy.getInfo(), model->getInfo());
             }
         }
+}
+
+TEST_F(ModelFiles, areWrittenByTwoThreadsAtOnce)
+{
+    Model const model = created();
+    train(model);
+    std::string const expected = written(model, folder / "a");
+    std::string const other = folder / "b";
+    std::thread second([&] {
+        for (int i = 0; i < 20; ++i)
+            model->write(pathOf(other), BINARY, true);
+    });
+    for (int i = 0; i < 20; ++i)
+        model->write(pathOf(folder / "a"), BINARY, true);
+    second.join();
+    EXPECT_EQ(test::readFile(folder / "a"), expected);
+    EXPECT_EQ(test::readFile(other), expected);
 }
 
 TEST_F(ModelFiles, ofVersionOneHaveNoMode)

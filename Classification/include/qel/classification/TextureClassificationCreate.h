@@ -28,7 +28,7 @@ class TextureClassificationModel;
 /// In both a minimum above the maximum asks the training for the range of its image, and a bin size of 0 or less for a
 /// size that suits the range; see TextureClassificationTrain.
 ///
-/// `classificationModel`: where the new model is put. The caller deletes it.
+/// `classificationModel`: where the new model is put, which the caller deletes; left alone by a run that fails.
 ///
 /// Throws RuleException on a value that is not allowed, RuntimeError "The learning space dimension must be greater than
 /// 0" where all measures are taken for each direction and there is none, MemoryError where the model is too large.
