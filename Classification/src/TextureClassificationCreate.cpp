@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -16,8 +17,7 @@ void TextureClassificationCreate::init()
         ratio = -1;
 
     addInput(&computeMode);
-    computeMode.setEnumInfo(&computeModeInfo());
-    declare(computeMode, "computeMode", MODE_2D, AddRuleIsAnEnumOfType(&computeModeInfo()));
+    declareEnumeration(computeMode, "computeMode", MODE_2D, computeModeInfo());
     addInput(&numOfClasses);
     declare(numOfClasses, "numOfClasses", 2u, AddRuleLimitedValue(2, LIMIT_GREATER_OR_EQUAL));
     addInput(&radius);

@@ -3,6 +3,7 @@
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
 #include "Core/private/Rules/RuleKeepInputSize.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -21,15 +22,13 @@ void TextureClassificationStandalone::init()
     declare(labelImg, "labelImg", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER, ASSERT_LABEL,
             AddRuleAssertDimensionImage(&input, COLUMNS, ROWS, PLANS, TIME_SERIES));
     addInput(&computeMode);
-    computeMode.setEnumInfo(&computeModeInfo());
-    declare(computeMode, "computeMode", MODE_2D, AddRuleIsAnEnumOfType(&computeModeInfo()));
+    declareEnumeration(computeMode, "computeMode", MODE_2D, computeModeInfo());
     addInput(&usedMeasures);
     declare(usedMeasures, "usedMeasures", 4u, ASSERT_POSITIVE_ONLY);
     addInput(&radius);
     declare(radius, "radius", 5u, ASSERT_POSITIVE_ONLY);
     addInput(&textonShape);
-    textonShape.setEnumInfo(&textonShapeInfo());
-    declare(textonShape, "textonShape", CUBE, AddRuleIsAnEnumOfType(&textonShapeInfo()));
+    declareEnumeration(textonShape, "textonShape", CUBE, textonShapeInfo());
     addInput(&textonSize);
     declare(textonSize, "textonSize", 1u, ASSERT_POSITIVE_ONLY);
     addInput(&rejectionFeatureSelection);

@@ -1,6 +1,7 @@
 #include <qel/filtering/smoothing/GaussianFilter2D.h>
 
 #include "Core/private/DefineAlgorithm.h"
+#include "Core/private/declareEnumeration.h"
 #include "Filtering/private/GaussianFilter.h"
 
 namespace qel::filtering::smoothing {
@@ -13,8 +14,7 @@ void GaussianFilter2D::init()
     addInput(&input);
     declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING);
     addInput(&mode);
-    mode.setEnumInfo(&filteringTypeInfo());
-    declare(mode, "mode", QEL_FIR, AddRuleIsAnEnumOfType(&filteringTypeInfo()));
+    declareEnumeration(mode, "mode", QEL_FIR, filteringTypeInfo());
     addInput(&sigmaX);
     declare(sigmaX, "sigmaX", 2, notNegative);
     addInput(&sigmaY);
@@ -24,8 +24,7 @@ void GaussianFilter2D::init()
     addInput(&kernelSizeFactorY);
     declare(kernelSizeFactorY, "kernelSizeFactorY", 3, ASSERT_POSITIVE_ONLY);
     addInput(&outputStrategy);
-    outputStrategy.setEnumInfo(&outputStrategyTypeInfo());
-    declare(outputStrategy, "outputStrategy", QEL_SAME_AS_INPUT, AddRuleIsAnEnumOfType(&outputStrategyTypeInfo()));
+    declareEnumeration(outputStrategy, "outputStrategy", QEL_SAME_AS_INPUT, outputStrategyTypeInfo());
     addInput(&accurate);
     declare(accurate, "accurate", true);
     addOutput(&output);

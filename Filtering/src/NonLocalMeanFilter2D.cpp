@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -32,8 +33,7 @@ void NonLocalMeanFilter2D::init()
     addInput(&similarity);
     declare(similarity, "similarity", Scalar(0.6));
     addInput(&searchWindowShape);
-    searchWindowShape.setEnumInfo(&neighborhoodShape2DTypeInfo());
-    declare(searchWindowShape, "searchWindowShape", QEL_SQUARE, AddRuleIsAnEnumOfType(&neighborhoodShape2DTypeInfo()));
+    declareEnumeration(searchWindowShape, "searchWindowShape", QEL_SQUARE, neighborhoodShape2DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
             AddRuleEnforceSameInterpretation(&input));

@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -32,8 +33,7 @@ void NonLocalMeanFilter3D::init()
     addInput(&similarity);
     declare(similarity, "similarity", Scalar(0.6));
     addInput(&searchWindowShape);
-    searchWindowShape.setEnumInfo(&neighborhoodShape3DTypeInfo());
-    declare(searchWindowShape, "searchWindowShape", QEL_CUBE, AddRuleIsAnEnumOfType(&neighborhoodShape3DTypeInfo()));
+    declareEnumeration(searchWindowShape, "searchWindowShape", QEL_CUBE, neighborhoodShape3DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
             AddRuleEnforceSameInterpretation(&input));

@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -24,8 +25,7 @@ void SphereSampling::init()
     addInput(&nbDesiredSamples);
     declare(nbDesiredSamples, "nbDesiredSamples", 100, ASSERT_POSITIVE_ONLY);
     addInput(&samplingMode);
-    samplingMode.setEnumInfo(&samplingModeInfo());
-    declare(samplingMode, "samplingMode", SPHERE, AddRuleIsAnEnumOfType(&samplingModeInfo()));
+    declareEnumeration(samplingMode, "samplingMode", SPHERE, samplingModeInfo());
     addOutput(&directionSamplesVec);
     declare(directionSamplesVec, "directionSamplesVec", nullptr, ASSERT_NOT_NULL);
 }

@@ -3,6 +3,7 @@
 #include "Core/private/Access/computeExtrema.h"
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Kernel/KernelPrivate.h"
+#include "Core/private/declareEnumeration.h"
 #include "LinearFiltering/private/FIRFilter.h"
 
 namespace qel::linear_filtering {
@@ -16,12 +17,10 @@ void FiniteImpulseResponseFilter2D::init()
     addInput(&kernel2D);
     declare(kernel2D, "kernel2D", kernel::Kernel2D());
     addInput(&outputMode);
-    outputMode.setEnumInfo(&outputModeTypeInfo());
-    declare(outputMode, "outputMode", QEL_OUTPUT_MODE_AUTO, AddRuleIsAnEnumOfType(&outputModeTypeInfo()));
+    declareEnumeration(outputMode, "outputMode", QEL_OUTPUT_MODE_AUTO, outputModeTypeInfo());
     addInput(&outputCustomType);
-    outputCustomType.setEnumInfo(&helper::voxelTypesInfo());
-    declare(outputCustomType, "outputCustomType", QEL_INT16,
-            AddRuleIsAnEnumOfType(&helper::voxelTypesInfo(), {QEL_COMPLEX_FLOAT32, QEL_COMPLEX_FLOAT64}));
+    declareEnumeration(outputCustomType, "outputCustomType", QEL_INT16, helper::voxelTypesInfo(),
+                       {QEL_COMPLEX_FLOAT32, QEL_COMPLEX_FLOAT64});
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeAndCalibration(&input));
 }

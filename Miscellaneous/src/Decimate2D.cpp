@@ -3,6 +3,7 @@
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
 #include "Core/private/Throw.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 #include <qel/ImageModel.h>
@@ -26,8 +27,7 @@ void Decimate2D::init()
     addInput(&input);
     declare(input, "input", nullptr, ASSERT_NOT_NULL);
     addInput(&operatorType);
-    operatorType.setEnumInfo(&decimationOpInfo());
-    declare(operatorType, "operatorType", MEAN, AddRuleIsAnEnumOfType(&decimationOpInfo()));
+    declareEnumeration(operatorType, "operatorType", MEAN, decimationOpInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameInterpretation(&input));
 }

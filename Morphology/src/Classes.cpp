@@ -1,6 +1,7 @@
 #include "Morphology/private/Classes.h"
 
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 #include <qel/ImageModel.h>
@@ -33,8 +34,7 @@ void declareParameter(Parameter<double> const& parameter, Property<double>& prop
 
 void declareParameter(Parameter<int> const& parameter, PropertyEnumeration& property)
 {
-    property.setEnumInfo(parameter.values);
-    declare(property, parameter.name, parameter.defaultValue, AddRuleIsAnEnumOfType(parameter.values));
+    declareEnumeration(property, parameter.name, parameter.defaultValue, *parameter.values);
 }
 
 } // namespace qel::morphology

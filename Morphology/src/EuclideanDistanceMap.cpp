@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -33,11 +34,9 @@ void EuclideanDistanceMap::init()
     declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_BINARY_TYPE, ASSERT_BINARY,
             AddRuleAssertDimension(SPECTRAL_SERIES, 1), AddRuleAssertDimension(TIME_SERIES, 1));
     addInput(&regionType);
-    regionType.setEnumInfo(&regionTypeInfo());
-    declare(regionType, "regionType", INSIDE, AddRuleIsAnEnumOfType(&regionTypeInfo()));
+    declareEnumeration(regionType, "regionType", INSIDE, regionTypeInfo());
     addInput(&borderCondition);
-    borderCondition.setEnumInfo(&borderConditionInfo());
-    declare(borderCondition, "borderCondition", ZERO, AddRuleIsAnEnumOfType(&borderConditionInfo()));
+    declareEnumeration(borderCondition, "borderCondition", ZERO, borderConditionInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, QEL_FLOAT32),
             AddRuleEnforceSameSizeAndCalibration(&input), AddRuleEnforceType(QEL_FLOAT32));

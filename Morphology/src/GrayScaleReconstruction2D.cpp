@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "Morphology/private/reconstructionTypeInfo.h"
 
 #include <qel/Neighborhood2DType.h>
@@ -20,12 +21,9 @@ void GrayScaleReconstruction2D::init()
     addInput(&marker);
     declare(marker, "marker", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING, AddRuleAssertSameSize(&input));
     addInput(&reconstructionType);
-    reconstructionType.setEnumInfo(&reconstructionTypeInfo());
-    declare(reconstructionType, "reconstructionType", QEL_DILATION, AddRuleIsAnEnumOfType(&reconstructionTypeInfo()));
+    declareEnumeration(reconstructionType, "reconstructionType", QEL_DILATION, reconstructionTypeInfo());
     addInput(&neighborhood2D);
-    neighborhood2D.setEnumInfo(&helper::neighborhood2DTypeInfo());
-    declare(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8,
-            AddRuleIsAnEnumOfType(&helper::neighborhood2DTypeInfo()));
+    declareEnumeration(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8, helper::neighborhood2DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, &marker),
             AddRuleEnforceSameSizeCalibrationAndType(&marker), AddRuleEnforceSameInterpretation(&marker));

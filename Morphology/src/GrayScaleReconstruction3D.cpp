@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "Morphology/private/reconstructionTypeInfo.h"
 
 #include <qel/Neighborhood3DType.h>
@@ -20,12 +21,9 @@ void GrayScaleReconstruction3D::init()
     addInput(&marker);
     declare(marker, "marker", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING, AddRuleAssertSameSize(&input));
     addInput(&reconstructionType);
-    reconstructionType.setEnumInfo(&reconstructionTypeInfo());
-    declare(reconstructionType, "reconstructionType", QEL_DILATION, AddRuleIsAnEnumOfType(&reconstructionTypeInfo()));
+    declareEnumeration(reconstructionType, "reconstructionType", QEL_DILATION, reconstructionTypeInfo());
     addInput(&neighborhood3D);
-    neighborhood3D.setEnumInfo(&helper::neighborhood3DTypeInfo());
-    declare(neighborhood3D, "neighborhood3D", QEL_NEIGHBORHOOD3D_26,
-            AddRuleIsAnEnumOfType(&helper::neighborhood3DTypeInfo()));
+    declareEnumeration(neighborhood3D, "neighborhood3D", QEL_NEIGHBORHOOD3D_26, helper::neighborhood3DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, &marker),
             AddRuleEnforceSameSizeCalibrationAndType(&marker), AddRuleEnforceSameInterpretation(&marker));

@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/Neighborhood2DType.h>
 
@@ -19,9 +20,7 @@ void Reconstruction2D::init()
     addInput(&marker);
     declare(marker, "marker", nullptr, ASSERT_NOT_NULL, ASSERT_BINARY, ASSERT_INTEGER, AddRuleAssertSameSize(&input));
     addInput(&neighborhood2D);
-    neighborhood2D.setEnumInfo(&helper::neighborhood2DTypeInfo());
-    declare(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8,
-            AddRuleIsAnEnumOfType(&helper::neighborhood2DTypeInfo()));
+    declareEnumeration(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8, helper::neighborhood2DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, QEL_UINT8),
             AddRuleKeepInputType(&marker, QEL_UINT8), AddRuleSetInterpretation(QEL_BINARY),

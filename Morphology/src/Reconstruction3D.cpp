@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/Neighborhood3DType.h>
 
@@ -19,9 +20,7 @@ void Reconstruction3D::init()
     addInput(&marker);
     declare(marker, "marker", nullptr, ASSERT_NOT_NULL, ASSERT_BINARY, ASSERT_INTEGER, AddRuleAssertSameSize(&input));
     addInput(&neighborhood3D);
-    neighborhood3D.setEnumInfo(&helper::neighborhood3DTypeInfo());
-    declare(neighborhood3D, "neighborhood3D", QEL_NEIGHBORHOOD3D_26,
-            AddRuleIsAnEnumOfType(&helper::neighborhood3DTypeInfo()));
+    declareEnumeration(neighborhood3D, "neighborhood3D", QEL_NEIGHBORHOOD3D_26, helper::neighborhood3DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleKeepInputType(&input, QEL_UINT8),
             AddRuleKeepInputType(&marker, QEL_UINT8), AddRuleSetInterpretation(QEL_BINARY),

@@ -3,6 +3,7 @@
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
 #include "Core/private/Rules/RuleOfOneRun.h"
+#include "Core/private/declareEnumeration.h"
 #include "PointOperations/private/ArithmeticOperators.h"
 
 #include <qel/EnumInfo.h>
@@ -19,8 +20,7 @@ void ArithmeticImageProcessing::init()
     addInput(&input2);
     declare(input2, "input2", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING, AddRuleAssertSameSize(&input1));
     addInput(&arithmeticOperator);
-    arithmeticOperator.setEnumInfo(&info);
-    declare(arithmeticOperator, "arithmeticOperator", ARITHMETIC_ADD, AddRuleIsAnEnumOfType(&info));
+    declareEnumeration(arithmeticOperator, "arithmeticOperator", ARITHMETIC_ADD, info);
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeAndCalibration(&input1));
 }

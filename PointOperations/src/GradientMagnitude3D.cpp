@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "PointOperations/private/GradientMagnitude.h"
 
 #include <qel/EnumInfo.h>
@@ -20,8 +21,7 @@ void GradientMagnitude3D::init()
     addInput(&input3);
     declare(input3, "input3", nullptr, ASSERT_NOT_NULL, AddRuleAssertSameType(&input1), AddRuleAssertSameSize(&input1));
     addInput(&outputMode);
-    outputMode.setEnumInfo(&info);
-    declare(outputMode, "outputMode", GRADIENTMAGNITUDEOUTPUT_AMPLITUDE_EUCLIDEAN, AddRuleIsAnEnumOfType(&info));
+    declareEnumeration(outputMode, "outputMode", GRADIENTMAGNITUDEOUTPUT_AMPLITUDE_EUCLIDEAN, info);
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input1));
 }

@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "PointOperations/private/BinaryLogicalOperators.h"
 
 #include <qel/EnumInfo.h>
@@ -18,8 +19,7 @@ void LogicalValueProcessing::init()
     addInput(&inputValue);
     declare(inputValue, "inputValue", 0l);
     addInput(&logicalOperator);
-    logicalOperator.setEnumInfo(&info);
-    declare(logicalOperator, "logicalOperator", LOGICAL_AND, AddRuleIsAnEnumOfType(&info));
+    declareEnumeration(logicalOperator, "logicalOperator", LOGICAL_AND, info);
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
             AddRuleEnforceSameInterpretation(&input));

@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "Registration/private/transformationTypeInfo.h"
 
 namespace qel::registration {
@@ -15,8 +16,7 @@ void LandmarkRegistration2D::init()
     addInput(&model);
     declare(model, "model", nullptr, ASSERT_NOT_NULL);
     addInput(&transformationType);
-    transformationType.setEnumInfo(&transformationTypeInfo());
-    declare(transformationType, "transformationType", TRANSLATION, AddRuleIsAnEnumOfType(&transformationTypeInfo()));
+    declareEnumeration(transformationType, "transformationType", TRANSLATION, transformationTypeInfo());
     addInput(&robustEstimation);
     declare(robustEstimation, "robustEstimation", false);
     addInput(&outlierRatio);

@@ -3,6 +3,7 @@
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Property.impl.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "Registration/private/transformationTypeInfo.h"
 
 namespace qel::registration {
@@ -16,9 +17,8 @@ void LandmarkRegistration3D::init()
     addInput(&model);
     declare(model, "model", nullptr, ASSERT_NOT_NULL);
     addInput(&transformationType);
-    transformationType.setEnumInfo(&transformationTypeInfo());
-    declare(transformationType, "transformationType", TRANSLATION,
-            AddRuleIsAnEnumOfType(&transformationTypeInfo(), {PROJECTIVE, POLYNOMIAL_2, POLYNOMIAL_3}));
+    declareEnumeration(transformationType, "transformationType", TRANSLATION, transformationTypeInfo(),
+                       {PROJECTIVE, POLYNOMIAL_2, POLYNOMIAL_3});
     addInput(&robustEstimation);
     declare(robustEstimation, "robustEstimation", false);
     addInput(&outlierRatio);

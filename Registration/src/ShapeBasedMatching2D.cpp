@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -37,8 +38,7 @@ void ShapeBasedMatching2D::init()
     addInput(&numOfLevel);
     declare(numOfLevel, "numOfLevel", 4u, AddRuleinRange<unsigned int>(0, 10));
     addInput(&similarityMeasure);
-    similarityMeasure.setEnumInfo(&similarityMeasureInfo());
-    declare(similarityMeasure, "similarityMeasure", NORMALIZED, AddRuleIsAnEnumOfType(&similarityMeasureInfo()));
+    declareEnumeration(similarityMeasure, "similarityMeasure", NORMALIZED, similarityMeasureInfo());
     addInput(&rotationBegin);
     declare(rotationBegin, "rotationBegin", 0.0);
     addInput(&rotationEnd);

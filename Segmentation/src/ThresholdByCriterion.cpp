@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 
 #include <qel/EnumInfo.h>
 
@@ -26,8 +27,7 @@ void ThresholdByCriterion::init()
     declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_INTEGER_OR_FLOATING,
             AddRuleAssertDimension(SPECTRAL_SERIES, 1));
     addInput(&criterion);
-    criterion.setEnumInfo(&criterionTypeInfo());
-    declare(criterion, "criterion", LESS_THAN, AddRuleIsAnEnumOfType(&criterionTypeInfo()));
+    declareEnumeration(criterion, "criterion", LESS_THAN, criterionTypeInfo());
     addInput(&value);
     declare(value, "value", Scalar(128));
     addOutput(&output);

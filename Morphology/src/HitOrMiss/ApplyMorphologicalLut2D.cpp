@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "Morphology/private/hitOrMissTypeInfos.h"
 
 namespace qel::morphology {
@@ -15,14 +16,11 @@ void ApplyMorphologicalLut2D::init()
     addInput(&morphologicalLut);
     declare(morphologicalLut, "morphologicalLut", nullptr, ASSERT_NOT_NULL);
     addInput(&matchingFlag);
-    matchingFlag.setEnumInfo(&matchingActionTypesInfo());
-    declare(matchingFlag, "matchingFlag", SET_ONE, AddRuleIsAnEnumOfType(&matchingActionTypesInfo()));
+    declareEnumeration(matchingFlag, "matchingFlag", SET_ONE, matchingActionTypesInfo());
     addInput(&noMatchingFlag);
-    noMatchingFlag.setEnumInfo(&matchingActionTypesInfo());
-    declare(noMatchingFlag, "noMatchingFlag", SET_ZERO, AddRuleIsAnEnumOfType(&matchingActionTypesInfo()));
+    declareEnumeration(noMatchingFlag, "noMatchingFlag", SET_ZERO, matchingActionTypesInfo());
     addInput(&borderCondition);
-    borderCondition.setEnumInfo(&binaryBorderConditionTypesInfo());
-    declare(borderCondition, "borderCondition", STOP_OBJECT, AddRuleIsAnEnumOfType(&binaryBorderConditionTypesInfo()));
+    declareEnumeration(borderCondition, "borderCondition", STOP_OBJECT, binaryBorderConditionTypesInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input));
 }

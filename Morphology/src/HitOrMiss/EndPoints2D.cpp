@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "Morphology/private/hitOrMissTypeInfos.h"
 
 #include <qel/Neighborhood2DType.h>
@@ -15,12 +16,9 @@ void EndPoints2D::init()
     addInput(&input);
     declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_BINARY_TYPE, ASSERT_BINARY);
     addInput(&borderCondition);
-    borderCondition.setEnumInfo(&binaryBorderConditionTypesInfo());
-    declare(borderCondition, "borderCondition", STOP_OBJECT, AddRuleIsAnEnumOfType(&binaryBorderConditionTypesInfo()));
+    declareEnumeration(borderCondition, "borderCondition", STOP_OBJECT, binaryBorderConditionTypesInfo());
     addInput(&neighborhood2D);
-    neighborhood2D.setEnumInfo(&helper::neighborhood2DTypeInfo());
-    declare(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8,
-            AddRuleIsAnEnumOfType(&helper::neighborhood2DTypeInfo()));
+    declareEnumeration(neighborhood2D, "neighborhood2D", QEL_NEIGHBORHOOD2D_8, helper::neighborhood2DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
             AddRuleEnforceSameInterpretation(&input));

@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "Morphology/private/hitOrMissTypeInfos.h"
 
 #include <qel/Neighborhood3DType.h>
@@ -15,12 +16,9 @@ void EndPoints3D::init()
     addInput(&input);
     declare(input, "input", nullptr, ASSERT_NOT_NULL, ASSERT_BINARY_TYPE, ASSERT_BINARY);
     addInput(&borderCondition);
-    borderCondition.setEnumInfo(&binaryBorderConditionTypesInfo());
-    declare(borderCondition, "borderCondition", STOP_OBJECT, AddRuleIsAnEnumOfType(&binaryBorderConditionTypesInfo()));
+    declareEnumeration(borderCondition, "borderCondition", STOP_OBJECT, binaryBorderConditionTypesInfo());
     addInput(&neighborhood3D);
-    neighborhood3D.setEnumInfo(&helper::neighborhood3DTypeInfo());
-    declare(neighborhood3D, "neighborhood3D", QEL_NEIGHBORHOOD3D_26,
-            AddRuleIsAnEnumOfType(&helper::neighborhood3DTypeInfo()));
+    declareEnumeration(neighborhood3D, "neighborhood3D", QEL_NEIGHBORHOOD3D_26, helper::neighborhood3DTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
             AddRuleEnforceSameInterpretation(&input));

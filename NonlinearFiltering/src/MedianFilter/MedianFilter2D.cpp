@@ -2,6 +2,7 @@
 
 #include "Core/private/DefineAlgorithm.h"
 #include "Core/private/Rules/Asserts.h"
+#include "Core/private/declareEnumeration.h"
 #include "NonlinearFiltering/private/MedianFilter/MedianComputerInfo.h"
 
 #include <qel/EnumInfo.h>
@@ -27,11 +28,9 @@ void MedianFilter2D::init()
     addInput(&neighborhoodSize);
     declare(neighborhoodSize, "neighborhoodSize", 3u, ASSERT_POSITIVE_ONLY);
     addInput(&neighborhoodShape);
-    neighborhoodShape.setEnumInfo(&neighborhoodShape2DTypeInfo());
-    declare(neighborhoodShape, "neighborhoodShape", QEL_SQUARE, AddRuleIsAnEnumOfType(&neighborhoodShape2DTypeInfo()));
+    declareEnumeration(neighborhoodShape, "neighborhoodShape", QEL_SQUARE, neighborhoodShape2DTypeInfo());
     addInput(&searchMode);
-    searchMode.setEnumInfo(&details::medianComputationTypeInfo());
-    declare(searchMode, "searchMode", AUTOMATIC, AddRuleIsAnEnumOfType(&details::medianComputationTypeInfo()));
+    declareEnumeration(searchMode, "searchMode", AUTOMATIC, details::medianComputationTypeInfo());
     addOutput(&output);
     declare(output, "output", nullptr, ASSERT_NOT_NULL, AddRuleEnforceSameSizeCalibrationAndType(&input),
             AddRuleEnforceSameInterpretation(&input));
